@@ -1,0 +1,14 @@
+#!/usr/bin/env bash
+# Builds the library, programs and tests with warnings as errors, then runs every test headless
+# (GL tests on Mesa's llvmpipe through EGL). Usage: scripts/test.sh [build-dir]
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bash scripts/install-deps.sh
+build=${1:-build-ci}
+launcher=()
+if command -v ccache >/dev/null; then launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache); fi
+cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVX_WERROR=ON -DVX_BUILD_TESTS=ON "${launcher[@]}"
+cmake --build "$build" -j"$(nproc)"
+# llvmpipe is the driver the GL tests are written against; a machine with a GPU may still choose it.
+export LIBGL_ALWAYS_SOFTWARE=${LIBGL_ALWAYS_SOFTWARE:-1}
+ctest --test-dir "$build" --output-on-failure -j"$(nproc)" --timeout 300
