@@ -8,7 +8,9 @@ public:
     VxBBox();
     VxBBox(const VxPoint& minPnt, const VxPoint& maxPnt) : m_min(minPnt), m_max(maxPnt) {}
 
-    bool IsEmpty() const { return m_min[0] > m_max[0] || m_min[1] > m_max[1] || m_min[2] > m_max[2]; }
+    bool IsEmpty() const {
+        return m_min[0] > m_max[0] || m_min[1] > m_max[1] || m_min[2] > m_max[2];
+    }
     void Add(const VxPoint& p);
     void Add(const VxBBox& box);
     VxPoint Center() const;

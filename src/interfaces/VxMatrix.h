@@ -6,6 +6,7 @@
 #include <interfaces/VxPoint.h>
 #include <interfaces/VxVector.h>
 
+#include <cstddef>
 #include <vector>
 
 class VxMatrix {
@@ -19,8 +20,10 @@ public:
     int Rows() const { return m_rows; }
     int Cols() const { return m_cols; }
     // Pointer to the first element of row r; rows are contiguous.
-    double* operator[](int r) { return &m_a[static_cast<size_t>(r) * m_cols]; }
-    const double* operator[](int r) const { return &m_a[static_cast<size_t>(r) * m_cols]; }
+    double* operator[](int r) { return m_a.data() + static_cast<std::size_t>(r) * m_cols; }
+    const double* operator[](int r) const {
+        return m_a.data() + static_cast<std::size_t>(r) * m_cols;
+    }
     std::vector<double> GetRow(int r) const;
     std::vector<double> GetCol(int c) const;
 
@@ -31,16 +34,20 @@ public:
     bool Inverse();
     VxMatrix Transposed() const;
     // Writes a 4 x 4 matrix column by column: the 16 numbers glMultMatrixd and glLoadMatrixd take.
+    // Always writes 16 numbers: a smaller matrix (a 3 x 3 rotation) fills the upper-left block
+    // of an identity, a larger one gives its upper-left 4 x 4 block.
     void ToArray(double* out) const;
     // Reads 16 numbers in the column-major order of ToArray.
     static VxMatrix FromArray(const double* in);
 
+    // Matrix product; when the inner sizes differ the result is a zero rows x m.Cols() matrix.
     VxMatrix operator*(const VxMatrix& m) const;
     bool operator==(const VxMatrix& m) const;
     bool operator!=(const VxMatrix& m) const { return !(*this == m); }
 
     // For 4 x 4 (or 3 x 3) matrices: applies the matrix to a point (with translation) or a
-    // vector (linear part only).
+    // vector (linear part only). A 4 x 4 with a projective bottom row divides by w (unless w is
+    // 0); other sizes give the argument back.
     VxPoint Transform(const VxPoint& p) const;
     VxVector Transform(const VxVector& v) const;
 

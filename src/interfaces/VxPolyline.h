@@ -17,7 +17,13 @@ public:
     double Length() const;
     // True when two non-adjacent segments come within tolerance of each other (3D test; for a
     // closed polyline the closing segment counts and the first and last segments are adjacent).
+    // Consecutive points closer than the tolerance count as one; a last point on the first
+    // closes the polyline rather than touching it. Fewer than three distinct points never
+    // self-intersect.
     bool IsSelfIntersect() const;
+    // The same test with a distance tolerance of its own (model units) instead of
+    // VxTolerance::kZero.
+    bool IsSelfIntersect(double tolerance) const;
 
 private:
     std::vector<VxPoint> m_points;

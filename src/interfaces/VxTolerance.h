@@ -7,5 +7,7 @@ class VxTolerance {
 public:
     static constexpr double kZero = 1e-6;
     static bool IsZero(double value) { return value < kZero && value > -kZero; }
-    static bool IsZero(double value, double tolerance) { return value < tolerance && value > -tolerance; }
+    static bool IsZero(double value, double tolerance) {
+        return value < tolerance && value > -tolerance;
+    }
 };

@@ -29,11 +29,15 @@ public:
     // Reverses the direction in place.
     void Flip();
     bool IsZero() const;
-    // True for parallel and anti-parallel vectors; a zero vector is parallel to nothing.
+    // True for parallel and anti-parallel vectors; a zero vector is parallel to nothing. The
+    // tolerance is on the sine of the angle between them (VxTolerance::kZero by default).
     bool IsParallelTo(const VxVector& v) const;
-    // Unsigned angle in radians, 0 to pi.
+    bool IsParallelTo(const VxVector& v, double angleTolerance) const;
+    // Unsigned angle in radians, 0 to pi; 0 when either vector is zero.
     double AngleWith(const VxVector& v) const;
-    // Signed angle in radians, -pi to pi, turning this onto v about axis (right-handed).
+    // Signed angle in radians, -pi to pi, turning this onto v about axis (right-handed): the
+    // unsigned angle, negative when this x v points against the axis. Its magnitude always
+    // equals AngleWith(v); the vectors are not projected onto the plane of the axis.
     double AngleWith(const VxVector& v, const VxVector& axis) const;
 
     VxVector operator*(const VxVector& v) const; // cross product
@@ -60,4 +64,6 @@ private:
     double m_v[3] = {0.0, 0.0, 0.0};
 };
 
-inline VxVector operator*(double s, const VxVector& v) { return v * s; }
+inline VxVector operator*(double s, const VxVector& v) {
+    return v * s;
+}
