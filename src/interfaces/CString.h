@@ -29,7 +29,8 @@ public:
     CString Left(int count) const;
     CString Mid(int first) const;
     CString Mid(int first, int count) const;
-    // printf-style formatting with wide format strings (%d, %f, %s for wide strings, %ls ...).
+    // printf-style formatting with wide format strings, read as the desktop system reads them:
+    // %s and %c take wide arguments (as do %ls and %lc), %hs, %hc, %S and %C narrow ones.
     void Format(const wchar_t* format, ...);
     std::string ToUtf8() const;
 

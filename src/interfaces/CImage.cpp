@@ -1,0 +1,373 @@
+// CImage: DIB-section pictures, their pixel access, and PNG/JPEG/BMP files through stb_image.
+// Decoding goes only to stb's PNG, JPEG and BMP readers (chosen by the file's signature) and only
+// after the header's size has been checked, so a damaged or hostile file costs neither the other
+// decoders' attack surface nor a huge allocation.
+#include <interfaces/CImage.h>
+
+#include <interfaces/CString.h>
+
+#include <stb_image.h>
+#include <stb_image_write.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr long long kMaxPixels = 1LL << 25;
+constexpr size_t kMaxFileBytes = size_t(1) << 28;
+
+bool HasKnownSignature(const unsigned char* p, size_t n) {
+    static const unsigned char png[8] = {0x89, 'P', 'N', 'G', 0x0D, 0x0A, 0x1A, 0x0A};
+    if (n >= 8 && std::memcmp(p, png, 8) == 0) {
+        return true;
+    }
+    if (n >= 3 && p[0] == 0xFF && p[1] == 0xD8 && p[2] == 0xFF) {
+        return true;
+    }
+    return n >= 2 && p[0] == 'B' && p[1] == 'M';
+}
+
+std::string LowerExtension(const std::string& path) {
+    const size_t dot = path.find_last_of('.');
+    const size_t slash = path.find_last_of("/\\");
+    if (dot == std::string::npos || (slash != std::string::npos && dot < slash)) {
+        return std::string();
+    }
+    std::string ext = path.substr(dot + 1);
+    for (char& c : ext) {
+        if (c >= 'A' && c <= 'Z') {
+            c = char(c - 'A' + 'a');
+        }
+    }
+    return ext;
+}
+
+uint32_t Le32(const unsigned char* p) {
+    return uint32_t(p[0]) | (uint32_t(p[1]) << 8) | (uint32_t(p[2]) << 16) | (uint32_t(p[3]) << 24);
+}
+
+unsigned Le16(const unsigned char* p) {
+    return unsigned(p[0]) | (unsigned(p[1]) << 8);
+}
+
+// stb's BMP reader reads zeros past the end of the data, so a cut-off file would come out as a
+// picture with a black part. Uncompressed rows have a known size: a file too short for them is
+// refused here. (A cut-off JPEG still loads with its missing part grey, as desktop viewers show
+// it; a cut-off PNG fails in the decoder.)
+bool BmpPixelDataComplete(const unsigned char* p, size_t n) {
+    if (n < 2 || p[0] != 'B' || p[1] != 'M') {
+        return true;
+    }
+    if (n < 26) {
+        return false;
+    }
+    const uint64_t offset = Le32(p + 10);
+    const uint32_t headerSize = Le32(p + 14);
+    uint64_t width = 0;
+    uint64_t height = 0;
+    unsigned bpp = 0;
+    uint32_t compression = 0;
+    if (headerSize == 12) {
+        width = Le16(p + 18);
+        height = Le16(p + 20);
+        bpp = Le16(p + 24);
+    } else {
+        if (n < 34) {
+            return false;
+        }
+        const int32_t h = int32_t(Le32(p + 22));
+        width = Le32(p + 18);
+        height = h < 0 ? uint64_t(-int64_t(h)) : uint64_t(h);
+        bpp = Le16(p + 28);
+        compression = Le32(p + 30);
+    }
+    if (compression != 0 && compression != 3) {
+        return true; // left to the decoder, which refuses what it cannot read
+    }
+    const uint64_t stride = ((width * bpp + 31) / 32) * 4;
+    return offset + stride * height <= n;
+}
+
+} // namespace
+
+CImage::~CImage() {
+    Destroy();
+}
+
+BOOL CImage::Create(int width, int height, int bpp, DWORD flags) {
+    if (m_bitmap || height == 0 || height == std::numeric_limits<int>::min()) {
+        return FALSE;
+    }
+    if ((flags & createAlphaChannel) && bpp != 32) {
+        return FALSE;
+    }
+    const bool topDown = height < 0;
+    m_bitmap = VxCreateBitmapObject(width, topDown ? -height : height, bpp, true, topDown);
+    if (!m_bitmap) {
+        return FALSE;
+    }
+    if (bpp == 1) {
+        m_bitmap->colorTable = {RGBQUAD{0, 0, 0, 0}, RGBQUAD{255, 255, 255, 0}};
+    }
+    m_alpha = (flags & createAlphaChannel) != 0;
+    return TRUE;
+}
+
+void CImage::DropDC() const {
+    m_dc.reset();
+    m_dcRefs = 0;
+}
+
+void CImage::Destroy() {
+    DropDC();
+    if (m_bitmap) {
+        ::DeleteObject(m_bitmap);
+        m_bitmap = nullptr;
+    }
+    m_alpha = false;
+}
+
+int CImage::GetWidth() const {
+    return m_bitmap ? m_bitmap->width : 0;
+}
+
+int CImage::GetHeight() const {
+    return m_bitmap ? m_bitmap->height : 0;
+}
+
+int CImage::GetBPP() const {
+    return m_bitmap ? m_bitmap->bpp : 0;
+}
+
+int CImage::GetPitch() const {
+    if (!m_bitmap) {
+        return 0;
+    }
+    return m_bitmap->topDown ? m_bitmap->stride : -m_bitmap->stride;
+}
+
+void* CImage::GetBits() {
+    return m_bitmap ? m_bitmap->Row(0) : nullptr;
+}
+
+const void* CImage::GetBits() const {
+    return m_bitmap ? static_cast<const VxBitmapObject*>(m_bitmap)->Row(0) : nullptr;
+}
+
+void* CImage::GetPixelAddress(int x, int y) {
+    if (!m_bitmap) {
+        return nullptr;
+    }
+    return static_cast<BYTE*>(GetBits()) + std::ptrdiff_t(y) * GetPitch() +
+           (std::ptrdiff_t(x) * m_bitmap->bpp) / 8;
+}
+
+const void* CImage::GetPixelAddress(int x, int y) const {
+    return const_cast<CImage*>(this)->GetPixelAddress(x, y);
+}
+
+COLORREF CImage::GetPixel(int x, int y) const {
+    return m_bitmap ? m_bitmap->GetPixel(x, y) : CLR_INVALID;
+}
+
+void CImage::SetPixel(int x, int y, COLORREF color) {
+    if (m_bitmap) {
+        m_bitmap->SetPixel(x, y, color);
+    }
+}
+
+bool CImage::IsIndexed() const {
+    return m_bitmap && m_bitmap->bpp <= 8;
+}
+
+int CImage::GetMaxColorTableEntries() const {
+    return IsIndexed() ? int(m_bitmap->colorTable.size()) : 0;
+}
+
+void CImage::GetColorTable(UINT first, UINT count, RGBQUAD* colors) const {
+    if (!IsIndexed() || !colors) {
+        return;
+    }
+    const auto& table = m_bitmap->colorTable;
+    for (UINT i = 0; i < count && size_t(first) + i < table.size(); ++i) {
+        colors[i] = table[first + i];
+    }
+}
+
+void CImage::SetColorTable(UINT first, UINT count, const RGBQUAD* colors) {
+    if (!IsIndexed() || !colors) {
+        return;
+    }
+    auto& table = m_bitmap->colorTable;
+    for (UINT i = 0; i < count && size_t(first) + i < table.size(); ++i) {
+        table[first + i] = colors[i];
+    }
+}
+
+HRESULT CImage::Load(const wchar_t* path) {
+    Destroy();
+    if (!path) {
+        return E_FAIL;
+    }
+    std::ifstream in(CString(path).ToUtf8(), std::ios::binary | std::ios::ate);
+    if (!in) {
+        return E_FAIL;
+    }
+    const std::streamoff size = in.tellg();
+    if (size <= 0 || size_t(size) > kMaxFileBytes) {
+        return E_FAIL;
+    }
+    std::vector<unsigned char> bytes(static_cast<size_t>(size));
+    in.seekg(0);
+    if (!in.read(reinterpret_cast<char*>(bytes.data()), size)) {
+        return E_FAIL;
+    }
+    return LoadFromMemory(bytes.data(), bytes.size());
+}
+
+HRESULT CImage::LoadFromMemory(const void* data, size_t size) {
+    Destroy();
+    const auto* bytes = static_cast<const unsigned char*>(data);
+    if (!bytes || size == 0 || size > size_t(std::numeric_limits<int>::max()) ||
+        !HasKnownSignature(bytes, size) || !BmpPixelDataComplete(bytes, size)) {
+        return E_FAIL;
+    }
+    int w = 0;
+    int h = 0;
+    int comp = 0;
+    if (!stbi_info_from_memory(bytes, int(size), &w, &h, &comp)) {
+        return E_FAIL;
+    }
+    // A top-down BMP reports a negative height here.
+    const long long infoW = w < 0 ? -(long long)w : w;
+    const long long infoH = h < 0 ? -(long long)h : h;
+    if (infoW == 0 || infoH == 0 || infoW * infoH > kMaxPixels) {
+        return E_FAIL;
+    }
+    unsigned char* pixels = stbi_load_from_memory(bytes, int(size), &w, &h, &comp, 0);
+    if (!pixels) {
+        return E_FAIL;
+    }
+    if (w <= 0 || h <= 0 || (long long)w * h > kMaxPixels || comp < 1 || comp > 4) {
+        stbi_image_free(pixels);
+        return E_FAIL;
+    }
+    const int bpp = comp == 1 ? 8 : comp == 3 ? 24 : 32;
+    if (!Create(w, h, bpp, bpp == 32 ? createAlphaChannel : 0)) {
+        stbi_image_free(pixels);
+        return E_FAIL;
+    }
+    for (int y = 0; y < h; ++y) {
+        const unsigned char* src = pixels + size_t(y) * size_t(w) * size_t(comp);
+        BYTE* dst = m_bitmap->Row(y);
+        for (int x = 0; x < w; ++x, src += comp) {
+            switch (comp) {
+            case 1:
+                dst[x] = src[0];
+                break;
+            case 2:
+                dst[x * 4] = dst[x * 4 + 1] = dst[x * 4 + 2] = src[0];
+                dst[x * 4 + 3] = src[1];
+                break;
+            case 3:
+                dst[x * 3] = src[2];
+                dst[x * 3 + 1] = src[1];
+                dst[x * 3 + 2] = src[0];
+                break;
+            default:
+                dst[x * 4] = src[2];
+                dst[x * 4 + 1] = src[1];
+                dst[x * 4 + 2] = src[0];
+                dst[x * 4 + 3] = src[3];
+                break;
+            }
+        }
+    }
+    stbi_image_free(pixels);
+    return S_OK;
+}
+
+HRESULT CImage::Save(const wchar_t* path) const {
+    if (!m_bitmap || !path) {
+        return E_FAIL;
+    }
+    const int w = m_bitmap->width;
+    const int h = m_bitmap->height;
+    bool grey = m_bitmap->bpp == 8;
+    for (size_t i = 0; grey && i < m_bitmap->colorTable.size(); ++i) {
+        const RGBQUAD& q = m_bitmap->colorTable[i];
+        grey = size_t(q.rgbRed) == i && size_t(q.rgbGreen) == i && size_t(q.rgbBlue) == i;
+    }
+    const int comp = grey ? 1 : (m_bitmap->bpp == 32 && m_alpha) ? 4 : 3;
+    std::vector<unsigned char> out(size_t(w) * size_t(h) * size_t(comp));
+    for (int y = 0; y < h; ++y) {
+        const BYTE* row = m_bitmap->Row(y);
+        unsigned char* dst = out.data() + size_t(y) * size_t(w) * size_t(comp);
+        for (int x = 0; x < w; ++x, dst += comp) {
+            if (grey) {
+                dst[0] = row[x];
+                continue;
+            }
+            const COLORREF c = m_bitmap->GetPixel(x, y);
+            dst[0] = GetRValue(c);
+            dst[1] = GetGValue(c);
+            dst[2] = GetBValue(c);
+            if (comp == 4) {
+                dst[3] = row[x * 4 + 3];
+            }
+        }
+    }
+    const std::string file = CString(path).ToUtf8();
+    const std::string ext = LowerExtension(file);
+    int ok = 0;
+    if (ext == "bmp") {
+        ok = stbi_write_bmp(file.c_str(), w, h, comp, out.data());
+    } else if (ext == "jpg" || ext == "jpeg") {
+        ok = stbi_write_jpg(file.c_str(), w, h, comp, out.data(), 90);
+    } else {
+        ok = stbi_write_png(file.c_str(), w, h, comp, out.data(), w * comp);
+    }
+    return ok ? S_OK : E_FAIL;
+}
+
+HDC CImage::GetDC() const {
+    if (!m_bitmap) {
+        return nullptr;
+    }
+    if (!m_dc) {
+        auto dc = std::make_unique<CDC>();
+        if (!dc->CreateCompatibleDC(nullptr) || !dc->SelectObject(HGDIOBJ(m_bitmap))) {
+            return nullptr;
+        }
+        m_dc = std::move(dc);
+    }
+    ++m_dcRefs;
+    return m_dc->GetSafeHdc();
+}
+
+void CImage::ReleaseDC() const {
+    if (m_dcRefs > 0 && --m_dcRefs == 0) {
+        DropDC();
+    }
+}
+
+void CImage::Attach(HBITMAP bitmap, DIBOrientation) {
+    Destroy();
+    m_bitmap = bitmap;
+    m_alpha = false;
+}
+
+HBITMAP CImage::Detach() {
+    DropDC();
+    HBITMAP b = m_bitmap;
+    m_bitmap = nullptr;
+    m_alpha = false;
+    return b;
+}
