@@ -24,6 +24,11 @@ const std::vector<VxDriverQuirk>& Registry() {
          "window's new size only when a buffer swap invalidates the drawable; rebinding the "
          "context does not. The first frame after a resize is drawn and shown at the old size, "
          "the next one at the new size. Hosts redraw on resize anyway; tests swap once first."},
+        {"mesa-popattrib-current-colour", "llvmpipe", "",
+         "Mesa 22's glPopAttrib does not restore the current colour when the colour was set "
+         "inside a push whose group also holds an enable or lighting bit that is popped. The "
+         "fixed-function drawers save and restore the colour themselves around the places they "
+         "set one (VxFixedDrawSteps::CurrentColourKeeper), on every driver."},
     };
     return quirks;
 }

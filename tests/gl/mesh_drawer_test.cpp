@@ -1,0 +1,953 @@
+// The six fixed-function drawers on a real headless context. Each test puts small quads through a
+// drawer under an orthographic camera (x and y from -1 to 1 over 256 pixels, looking down -z at
+// z = -5) with the frame's own GL defaults, and reads back colour and stencil. Colours are checked
+// against the fixed-function lighting equation worked out here by hand from the material record
+// (one light at the eye, ambient 0.1 and diffuse/specular 0.8, model ambient 0.2), so a wrong
+// record, a missing Apply or a wrong colour rule all show. Pictures of what was drawn go to
+// test-output/mesh_drawer/.
+#include "VxGLTest.h"
+#include "VxTestPaths.h"
+
+#include <frame/VxRenderStatus.h>
+#include <interfaces/VxAttachment.h>
+#include <interfaces/VxColor.h>
+#include <interfaces/VxFilledWedgeTwoTooth.h>
+#include <interfaces/VxGum.h>
+#include <interfaces/VxJaw.h>
+#include <interfaces/VxSkull.h>
+#include <interfaces/VxStdAttach.h>
+#include <interfaces/VxTooth.h>
+#include <interfaces/VxTransformMatrix.h>
+#include <mesh/VxDrawer.h>
+#include <mesh/VxDrawerFiles.h>
+#include <mesh/VxDrawerMgr.h>
+#include <mesh/VxFixedMaterial.h>
+#include <mesh/VxMaterialIni.h>
+#include <mesh/VxSelectNames.h>
+#include <mesh/VxVBOHandleMgr.h>
+#include <views/VxViewManager.h>
+#include <views/VxViewRegion.h>
+
+#include <sys/stat.h>
+#include <utime.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <memory>
+
+namespace {
+
+constexpr int kSize = 256;
+const unsigned char kBg[3] = {40, 60, 90}; // not black, so black edges show
+
+// Model x or y in [-1, 1] to a pixel column or row (GL order, from the bottom).
+int Px(double v) {
+    return static_cast<int>((v + 1.0) * kSize / 2.0);
+}
+
+// A square facing +z, corners counter-clockwise seen from the camera.
+void AddQuad(VxMesh& m, double cx, double cy, double half) {
+    const int a = m.AddVertex(VxPoint(cx - half, cy - half, 0));
+    const int b = m.AddVertex(VxPoint(cx + half, cy - half, 0));
+    const int c = m.AddVertex(VxPoint(cx + half, cy + half, 0));
+    const int d = m.AddVertex(VxPoint(cx - half, cy + half, 0));
+    m.AddFace(a, b, c);
+    m.AddFace(a, c, d);
+}
+
+template <typename T> void Quad(T& m, double cx, double cy, double half = 0.1) {
+    AddQuad(m, cx, cy, half);
+    m.Finish();
+}
+
+struct Rgb {
+    int r, g, b;
+};
+
+int Clamp(double v) {
+    return static_cast<int>(std::lround(std::min(255.0, std::max(0.0, v))));
+}
+
+// The fixed-function result for a face looking straight at the light and the eye: emission +
+// ambient x (model 0.2 + light 0.1) + diffuse x 0.8 + specular x 0.8, channel by channel.
+Rgb Lit(const VxColor& ambient, const VxColor& diffuse, const VxColor& specular,
+        const VxColor& emission) {
+    auto ch = [](int e, int a, int d, int s) { return Clamp(e + 0.3 * a + 0.8 * d + 0.8 * s); };
+    return {ch(emission.GetR(), ambient.GetR(), diffuse.GetR(), specular.GetR()),
+            ch(emission.GetG(), ambient.GetG(), diffuse.GetG(), specular.GetG()),
+            ch(emission.GetB(), ambient.GetB(), diffuse.GetB(), specular.GetB())};
+}
+Rgb Lit(const VxFixedMaterial& m) {
+    return Lit(m.m_ambient, m.m_diffuse, m.m_specular, m.m_emission);
+}
+
+std::string FilesDir() {
+    return VxTestOutputDir() + "/mesh_drawer_files";
+}
+
+class MeshDrawerGLTest : public VxGLTest {
+protected:
+    void SetUp() override {
+        VxGLTest::SetUp();
+        if (IsSkipped()) {
+            return;
+        }
+        ::mkdir(FilesDir().c_str(), 0755);
+        ::mkdir((VxTestOutputDir() + "/mesh_drawer").c_str(), 0755);
+        for (const char* f : {"teeth.bmp", "gum.bmp", "ColorRenderTooth.ini", "ColorRenderGum.ini",
+                              "ColorRenderJaw.ini"}) {
+            std::remove((FilesDir() + "/" + f).c_str());
+        }
+        VxDrawerFiles::SetDirectoryOverride(CString::FromUtf8(FilesDir()));
+        VxFixedMaterial::Tooth() = VxFixedMaterial::ToothDefault();
+        VxFixedMaterial::Gum() = VxFixedMaterial::GumDefault();
+        VxFixedMaterial::Jaw() = VxFixedMaterial::JawDefault();
+        VxMaterialIni::ForgetStamps();
+        VxRenderStatus::GetInstance()->SetDisplayMode(DisplayMode_Solid);
+        VxViewManager::GetInstance()->SetDisplayMode(Display_Mode_Normal);
+        m_view = std::make_unique<VxViewRegion>(CPoint(0, 0), kSize, kSize);
+        FrameDefaults();
+    }
+    void TearDown() override {
+        VxTransformMatrix::GetInstance()->Clear();
+        VxVBOHandleMgr::GetInstance()->Clear();
+        VxDrawerFiles::SetDirectoryOverride(CString());
+        VxViewManager::GetInstance()->SetDisplayMode(Display_Mode_Normal);
+        VxRenderStatus::GetInstance()->SetDisplayMode(DisplayMode_Solid);
+    }
+
+    // What VxOpenGLRender::Initialize, SetUpMaterial and SetupLight leave behind, and a camera.
+    static void FrameDefaults() {
+        glEnable(GL_COLOR_MATERIAL);
+        glColorMaterial(GL_FRONT_AND_BACK, GL_AMBIENT_AND_DIFFUSE);
+        glMatrixMode(GL_MODELVIEW);
+        glLoadIdentity();
+        const GLfloat pos[4] = {0, 0, 0, 1};
+        const GLfloat amb[4] = {0.1f, 0.1f, 0.1f, 1};
+        const GLfloat dif[4] = {0.8f, 0.8f, 0.8f, 1};
+        glLightfv(GL_LIGHT0, GL_POSITION, pos);
+        glLightfv(GL_LIGHT0, GL_AMBIENT, amb);
+        glLightfv(GL_LIGHT0, GL_DIFFUSE, dif);
+        glLightfv(GL_LIGHT0, GL_SPECULAR, dif);
+        glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, 1);
+        glEnable(GL_LIGHTING);
+        glEnable(GL_LIGHT0);
+        glDepthFunc(GL_LEQUAL);
+        glDisable(GL_DEPTH_TEST);
+        glDepthMask(GL_TRUE);
+        glClearDepth(1.0);
+        glStencilOp(GL_KEEP, GL_KEEP, GL_REPLACE);
+        glDisable(GL_STENCIL_TEST);
+        glClearStencil(0);
+        glFrontFace(GL_CCW);
+        glEnable(GL_NORMALIZE);
+        glShadeModel(GL_SMOOTH);
+        glDisable(GL_BLEND);
+        glDisable(GL_CULL_FACE);
+        glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+        glViewport(0, 0, kSize, kSize);
+        glMatrixMode(GL_PROJECTION);
+        glLoadIdentity();
+        glOrtho(-1, 1, -1, 1, 1, 20);
+        glMatrixMode(GL_MODELVIEW);
+        glLoadIdentity();
+        glTranslated(0, 0, -5);
+    }
+
+    static void Clear() {
+        glClearColor(kBg[0] / 255.0f, kBg[1] / 255.0f, kBg[2] / 255.0f, 1.0f);
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+    }
+
+    // As DrawModel hands an entity to its drawer: inside a current/depth/stencil push with both
+    // tests on, view first.
+    void DrawEntity(VxEntity* e) {
+        VxDrawer* d = VxDrawerMgr::GetInstance()->GetDrawer(e->GetObjectType());
+        ASSERT_NE(d, nullptr);
+        glPushAttrib(0x501);
+        glEnable(GL_STENCIL_TEST);
+        glEnable(GL_DEPTH_TEST);
+        d->SetViewRegion(m_view.get());
+        d->Draw(e);
+        glPopAttrib();
+    }
+    void Frame(std::initializer_list<VxEntity*> entities) {
+        Clear();
+        for (VxEntity* e : entities) {
+            DrawEntity(e);
+        }
+    }
+
+    static Rgb At(double x, double y) {
+        const VxTestImage img = ReadRGBA(Px(x), Px(y), 1, 1);
+        return {img.rgba[0], img.rgba[1], img.rgba[2]};
+    }
+    static int StencilAt(double x, double y) { return ReadStencil(Px(x), Px(y), 1, 1)[0]; }
+    static bool IsBackground(const Rgb& c) {
+        return std::abs(c.r - kBg[0]) <= 1 && std::abs(c.g - kBg[1]) <= 1 &&
+               std::abs(c.b - kBg[2]) <= 1;
+    }
+    static void Save(const std::string& name) {
+        VxWritePng(VxTestOutputDir() + "/mesh_drawer/" + name + ".png", ReadAllRGBA());
+    }
+    static void Place(VxEntity* e, std::set<DrawInfo_s> infos) {
+        VxTransformMatrix::GetInstance()->SetDrawInfos(e, 0, infos);
+    }
+    static DrawInfo_s Shift(double x, double y, bool limited) {
+        return DrawInfo_s(limited, VxMatrix::Translation(VxVector(x, y, 0)));
+    }
+
+    std::unique_ptr<VxViewRegion> m_view;
+};
+
+::testing::AssertionResult RgbNear(const Rgb& a, const Rgb& e, int tol) {
+    if (std::abs(a.r - e.r) <= tol && std::abs(a.g - e.g) <= tol && std::abs(a.b - e.b) <= tol) {
+        return ::testing::AssertionSuccess();
+    }
+    return ::testing::AssertionFailure()
+           << "got (" << a.r << ", " << a.g << ", " << a.b << "), expected (" << e.r << ", " << e.g
+           << ", " << e.b << ") within " << tol;
+}
+#define EXPECT_RGB_NEAR(actual, expected, tol) EXPECT_TRUE(RgbNear((actual), (expected), (tol)))
+
+// Per-vertex lighting at corners 0.1 off the axis moves a channel by about 1 in 255; the rest is
+// rounding.
+constexpr int kTol = 3;
+
+TEST_F(MeshDrawerGLTest, EveryKindWritesItsStencilValue) {
+    VxTooth tooth(11);
+    Quad(tooth, -0.6, 0.6);
+    VxGum gum(true);
+    Quad(gum, 0.0, 0.6);
+    VxJaw upper(true), lower(false);
+    Quad(upper, 0.6, 0.6);
+    Quad(lower, -0.6, 0.0);
+    VxMesh mesh;
+    Quad(mesh, 0.0, 0.0);
+    VxSkull skull;
+    Quad(skull, 0.6, 0.0);
+    VxStdAttach shape(CString(L"RECT"), VxColor(200, 100, 50));
+    Quad(shape, 0.0, 0.0);
+    VxAttachment attachment(&shape, &tooth);
+    attachment.AttachParts().push_back(
+        std::make_shared<VxAttachmentPart>(VxMatrix::Translation(VxVector(-0.6, -0.6, 0))));
+    Frame({&tooth, &gum, &upper, &lower, &mesh, &skull, &attachment});
+    Save("stencil_kinds");
+    EXPECT_EQ(StencilAt(-0.6, 0.6), 2);
+    EXPECT_EQ(StencilAt(0.0, 0.6), 3);
+    EXPECT_EQ(StencilAt(0.6, 0.6), 4);
+    EXPECT_EQ(StencilAt(-0.6, 0.0), 5);
+    EXPECT_EQ(StencilAt(0.0, 0.0), 1);
+    EXPECT_EQ(StencilAt(0.6, 0.0), 1);
+    EXPECT_EQ(StencilAt(-0.6, -0.6), 6);
+    EXPECT_EQ(StencilAt(0.6, -0.6), 0);
+    EXPECT_TRUE(IsBackground(At(0.6, -0.6)));
+    EXPECT_EQ(GLErrors(), "");
+}
+
+TEST_F(MeshDrawerGLTest, ToothColourFollowsItsState) {
+    VxTooth tooth(21);
+    Quad(tooth, 0.0, 0.0);
+    struct Case {
+        const char* name;
+        void (*set)(VxTooth&);
+        const VxFixedMaterial* record;
+    };
+    const Case cases[] = {
+        {"default", [](VxTooth&) {}, &VxFixedMaterial::Tooth()},
+        {"selected", [](VxTooth& t) { t.SetSelected(1); }, &VxFixedMaterial::ToothSelected()},
+        {"highlight", [](VxTooth& t) { t.SetHighLight(1); }, &VxFixedMaterial::ToothHighlight()},
+        {"kind2", [](VxTooth& t) { t.SetToothKind(ToothKind_Implant); },
+         &VxFixedMaterial::ToothKind2()},
+        {"kind3", [](VxTooth& t) { t.SetToothKind(ToothKind_Pontic); },
+         &VxFixedMaterial::ToothKind3()},
+        {"kind5", [](VxTooth& t) { t.SetToothKind(ToothKind_Restored); },
+         &VxFixedMaterial::ToothKind5()},
+        {"locked", [](VxTooth& t) { t.SetLockShown(true); }, &VxFixedMaterial::ToothLocked()},
+        // Selection wins over everything else, the kind over the lock.
+        {"selected_kind3",
+         [](VxTooth& t) {
+             t.SetSelected(1);
+             t.SetToothKind(ToothKind_Pontic);
+         },
+         &VxFixedMaterial::ToothSelected()},
+        {"kind5_locked",
+         [](VxTooth& t) {
+             t.SetToothKind(ToothKind_Restored);
+             t.SetLockShown(true);
+         },
+         &VxFixedMaterial::ToothKind5()},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        tooth.SetSelected(0);
+        tooth.SetHighLight(0);
+        tooth.SetToothKind(ToothKind_Normal);
+        tooth.SetLockShown(false);
+        c.set(tooth);
+        Frame({&tooth});
+        Save(std::string("tooth_") + c.name);
+        EXPECT_RGB_NEAR(At(0.02, -0.05), Lit(*c.record), kTol);
+        EXPECT_EQ(StencilAt(0.02, -0.05), 2);
+    }
+    EXPECT_EQ(GLErrors(), "");
+}
+
+TEST_F(MeshDrawerGLTest, JawMaskHidesAndSheltersByJaw) {
+    VxTooth up(11), low(41);
+    Quad(up, -0.5, 0.5);
+    Quad(low, -0.5, -0.5);
+    VxGum upGum(true), lowGum(false);
+    Quad(upGum, 0.0, 0.5);
+    Quad(lowGum, 0.0, -0.5);
+    VxJaw upJaw(true), lowJaw(false);
+    Quad(upJaw, 0.5, 0.5);
+    Quad(lowJaw, 0.5, -0.5);
+    VxStdAttach shape(CString(L"RECT"), VxColor(200, 100, 50));
+    Quad(shape, 0.0, 0.0, 0.05);
+    VxAttachment upAtt(&shape, &up), lowAtt(&shape, &low);
+    upAtt.AttachParts().push_back(
+        std::make_shared<VxAttachmentPart>(VxMatrix::Translation(VxVector(-0.8, 0.8, 0))));
+    lowAtt.AttachParts().push_back(
+        std::make_shared<VxAttachmentPart>(VxMatrix::Translation(VxVector(-0.8, -0.8, 0))));
+    std::initializer_list<VxEntity*> all = {&up,    &low,    &upGum, &lowGum,
+                                            &upJaw, &lowJaw, &upAtt, &lowAtt};
+
+    m_view->SelectJawShow(Display_Selec_Upper);
+    Frame(all);
+    Save("mask_upper");
+    for (double x : {-0.5, 0.0, 0.5}) {
+        EXPECT_NE(StencilAt(x, 0.5), 0) << x;
+        EXPECT_EQ(StencilAt(x, -0.5), 0) << x;
+        EXPECT_TRUE(IsBackground(At(x, -0.5))) << x;
+    }
+    EXPECT_EQ(StencilAt(-0.8, 0.8), 6);
+    EXPECT_EQ(StencilAt(-0.8, -0.8), 0);
+    for (VxObject* o :
+         {(VxObject*)&low, (VxObject*)&lowGum, (VxObject*)&lowJaw, (VxObject*)&lowAtt}) {
+        EXPECT_TRUE(o->IsSheltered());
+    }
+    for (VxObject* o : {(VxObject*)&up, (VxObject*)&upGum, (VxObject*)&upJaw, (VxObject*)&upAtt}) {
+        EXPECT_FALSE(o->IsSheltered());
+    }
+
+    m_view->SelectJawShow(Display_Selec_Lower);
+    Frame(all);
+    Save("mask_lower");
+    for (double x : {-0.5, 0.0, 0.5}) {
+        EXPECT_EQ(StencilAt(x, 0.5), 0) << x;
+        EXPECT_NE(StencilAt(x, -0.5), 0) << x;
+    }
+    EXPECT_EQ(StencilAt(0.5, -0.5), 5);
+    EXPECT_EQ(StencilAt(-0.8, -0.8), 6);
+    EXPECT_TRUE(up.IsSheltered());
+    EXPECT_FALSE(low.IsSheltered());
+
+    // An attachment of a hidden tooth is not drawn and keeps its shelter as it was.
+    m_view->SelectJawShow(Display_Selec_All);
+    up.SetVisible(0);
+    upAtt.SetShelter(1);
+    Frame({&upAtt});
+    EXPECT_EQ(StencilAt(-0.8, 0.8), 0);
+    EXPECT_TRUE(upAtt.IsSheltered());
+    upAtt.SetShelter(0);
+    Frame({&upAtt});
+    EXPECT_FALSE(upAtt.IsSheltered());
+    EXPECT_EQ(GLErrors(), "");
+}
+
+TEST_F(MeshDrawerGLTest, DisplayModesRasteriseAsTheySay) {
+    VxTooth tooth(11);
+    Quad(tooth, 0.0, 0.0, 0.5);
+    VxRenderStatus* status = VxRenderStatus::GetInstance();
+    // A point inside the quad away from its edges and its diagonal.
+    const double ix = 0.25, iy = -0.2;
+
+    status->SetDisplayMode(DisplayMode_Solid);
+    Frame({&tooth});
+    Save("mode_solid");
+    EXPECT_EQ(StencilAt(ix, iy), 2);
+    EXPECT_EQ(CountColour(0, 0, 0, 8), 0) << "no edges in solid mode";
+
+    status->SetDisplayMode(DisplayMode_Edges);
+    Frame({&tooth});
+    Save("mode_edges");
+    EXPECT_TRUE(IsBackground(At(ix, iy))) << "edges mode draws no faces";
+    EXPECT_EQ(StencilAt(ix, iy), 0);
+    const int blackEdges = CountColour(0, 0, 0, 8);
+    // Four sides of 128 pixels and a diagonal.
+    EXPECT_GT(blackEdges, 4 * 120);
+    // Stencil values come from the edge pixels alone.
+    const std::vector<int> st = ReadStencil(0, 0, kSize, kSize);
+    EXPECT_EQ(static_cast<int>(std::count(st.begin(), st.end(), 2)), blackEdges);
+
+    status->SetDisplayMode(DisplayMode_SolidEdges);
+    Frame({&tooth});
+    Save("mode_solid_edges");
+    EXPECT_FALSE(IsBackground(At(ix, iy)));
+    EXPECT_EQ(CountColour(0, 0, 0, 8), blackEdges);
+
+    status->SetDisplayMode(DisplayMode_Points);
+    Frame({&tooth});
+    Save("mode_points");
+    EXPECT_TRUE(IsBackground(At(ix, iy)));
+    // Four red points of 5 x 5 pixels.
+    EXPECT_EQ(CountColour(255, 0, 0, 2), 4 * 25);
+    {
+        const Rgb corner = At(-0.5, -0.5);
+        EXPECT_EQ(corner.r, 255);
+        EXPECT_EQ(corner.g, 0);
+        EXPECT_EQ(corner.b, 0);
+    }
+    EXPECT_EQ(GLErrors(), "");
+}
+
+TEST_F(MeshDrawerGLTest, CompareModeFollowsTheStepTable) {
+    // The tooth stands at x = 0 without placements; placed it goes to x = -0.5 (ordinary) and
+    // to x = +0.5 (limit position).
+    VxTooth tooth(11);
+    Quad(tooth, 0.0, 0.0);
+    Place(&tooth, {Shift(-0.5, 0, false), Shift(0.5, 0, true)});
+    const Rgb opaque = Lit(VxFixedMaterial::ToothDefault());
+    VxViewManager* views = VxViewManager::GetInstance();
+    views->SetDisplayMode(Display_Mode_Compare);
+
+    m_view->SetDisplayStep(Display_Step_Initial);
+    Frame({&tooth});
+    Save("compare_initial");
+    EXPECT_EQ(StencilAt(0.0, 0.0), 2) << "once, without a matrix";
+    EXPECT_EQ(StencilAt(-0.5, 0.0), 0);
+    EXPECT_EQ(StencilAt(0.5, 0.0), 0);
+
+    m_view->SetDisplayStep(Display_Step_Final);
+    Frame({&tooth});
+    Save("compare_final");
+    EXPECT_EQ(StencilAt(0.0, 0.0), 0);
+    EXPECT_EQ(StencilAt(-0.5, 0.0), 0);
+    EXPECT_EQ(StencilAt(0.5, 0.0), 2);
+    EXPECT_RGB_NEAR(At(0.5, 0.0), opaque, kTol) << "the limit position is drawn opaque";
+
+    m_view->SetDisplayStep(Display_Step_Both);
+    Frame({&tooth});
+    Save("compare_both");
+    EXPECT_EQ(StencilAt(0.0, 0.0), 0);
+    EXPECT_EQ(StencilAt(-0.5, 0.0), 2);
+    EXPECT_EQ(StencilAt(0.5, 0.0), 2);
+    EXPECT_RGB_NEAR(At(-0.5, 0.0), opaque, kTol);
+    const Rgb ghost = At(0.5, 0.0);
+    EXPECT_GT(ghost.r, ghost.g + 40) << "a red ghost";
+
+    // A display mode that is neither normal nor compare draws no tooth, but still the jaw.
+    VxJaw jaw(true);
+    Quad(jaw, 0.0, 0.6);
+    views->SetDisplayMode(static_cast<Display_Mode>(2));
+    Frame({&tooth, &jaw});
+    EXPECT_EQ(StencilAt(-0.5, 0.0), 0);
+    EXPECT_EQ(StencilAt(0.5, 0.0), 0);
+    EXPECT_EQ(StencilAt(0.0, 0.6), 4);
+
+    // With no placements the final step still draws the tooth once where it stands.
+    views->SetDisplayMode(Display_Mode_Compare);
+    m_view->SetDisplayStep(Display_Step_Final);
+    VxTooth bare(12);
+    Quad(bare, 0.0, -0.6);
+    Frame({&bare});
+    EXPECT_EQ(StencilAt(0.0, -0.6), 2);
+    EXPECT_EQ(GLErrors(), "");
+}
+
+TEST_F(MeshDrawerGLTest, CompareModeGumsAndAttachmentsFollowTheirCmpFlag) {
+    VxGum gum(true), cmpGum(true);
+    Quad(gum, -0.5, 0.5);
+    Quad(cmpGum, 0.5, 0.5);
+    cmpGum.SetCmp(true);
+    Place(&gum, {Shift(0, -0.2, false)});
+    Place(&cmpGum, {Shift(0, -0.2, false)});
+    VxTooth tooth(11);
+    Quad(tooth, 0.0, 0.0, 0.01);
+    VxStdAttach shape(CString(L"RECT"), VxColor(200, 100, 50));
+    Quad(shape, 0.0, 0.0, 0.08);
+    VxAttachment att(&shape, &tooth), cmpAtt(&shape, &tooth);
+    att.AttachParts().push_back(
+        std::make_shared<VxAttachmentPart>(VxMatrix::Translation(VxVector(-0.5, -0.5, 0))));
+    cmpAtt.AttachParts().push_back(
+        std::make_shared<VxAttachmentPart>(VxMatrix::Translation(VxVector(0.5, -0.5, 0))));
+    cmpAtt.SetCmp(true);
+    // Each attachment: an ordinary placement (up 0.2) and a limit position (down 0.2).
+    Place(&att, {Shift(0, 0.2, false), Shift(0, -0.2, true)});
+    Place(&cmpAtt, {Shift(0, 0.2, false), Shift(0, -0.2, true)});
+    VxViewManager::GetInstance()->SetDisplayMode(Display_Mode_Compare);
+
+    m_view->SetDisplayStep(Display_Step_Initial);
+    Frame({&gum, &cmpGum, &att, &cmpAtt});
+    Save("compare_cmp_initial");
+    EXPECT_EQ(StencilAt(-0.5, 0.5), 3) << "plain gum, once, without a matrix";
+    EXPECT_EQ(StencilAt(0.5, 0.5), 0);
+    EXPECT_EQ(StencilAt(0.5, 0.3), 0);
+    EXPECT_EQ(StencilAt(-0.5, -0.5), 6) << "plain attachment, once, without a matrix";
+    EXPECT_EQ(StencilAt(0.5, -0.5), 0);
+    EXPECT_EQ(StencilAt(0.5, -0.7), 0);
+
+    m_view->SetDisplayStep(Display_Step_Final);
+    Frame({&gum, &cmpGum, &att, &cmpAtt});
+    Save("compare_cmp_final");
+    EXPECT_EQ(StencilAt(-0.5, 0.5), 0);
+    EXPECT_EQ(StencilAt(-0.5, 0.3), 0);
+    EXPECT_EQ(StencilAt(0.5, 0.5), 3) << "comparison gum, once, without a matrix";
+    EXPECT_EQ(StencilAt(-0.5, -0.7), 0);
+    EXPECT_EQ(StencilAt(0.5, -0.5), 0);
+    EXPECT_EQ(StencilAt(0.5, -0.3), 0);
+    EXPECT_EQ(StencilAt(0.5, -0.7), 6) << "comparison attachment, limit position only";
+    EXPECT_EQ(GLErrors(), "");
+}
+
+TEST_F(MeshDrawerGLTest, LimitPositionsAreSeeThroughGhosts) {
+    VxTooth tooth(11);
+    Quad(tooth, 0.0, 0.0);
+    VxGum gum(true);
+    Quad(gum, 0.0, 0.5);
+    Place(&tooth, {Shift(-0.5, 0, true)});
+    Place(&gum, {Shift(0.5, 0, true)});
+    Frame({&tooth, &gum});
+    Save("ghosts");
+    const Rgb t1 = At(-0.5, 0.0);
+    const Rgb g1 = At(0.5, 0.5);
+    EXPECT_EQ(StencilAt(-0.5, 0.0), 2);
+    EXPECT_EQ(StencilAt(0.5, 0.5), 3);
+    // Drawn again over white: a see-through colour moves with what lies behind, by (1 - alpha)
+    // of the change, alpha 150 for the tooth and 60 for the gum.
+    glClearColor(1, 1, 1, 1);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+    DrawEntity(&tooth);
+    DrawEntity(&gum);
+    Save("ghosts_on_white");
+    const Rgb t2 = At(-0.5, 0.0);
+    const Rgb g2 = At(0.5, 0.5);
+    EXPECT_NEAR(t2.b - t1.b, (255 - kBg[2]) * (1 - 150 / 255.0), 3);
+    EXPECT_NEAR(g2.b - g1.b, (255 - kBg[2]) * (1 - 60 / 255.0), 3);
+    EXPECT_GT(t1.r, t1.b + 40) << "the limited colour is red";
+    EXPECT_EQ(GLErrors(), "");
+}
+
+TEST_F(MeshDrawerGLTest, AttachmentColourRule) {
+    VxTooth tooth(11);
+    Quad(tooth, 0.9, 0.9, 0.01);
+    VxStdAttach sk(CString(L"BSK-3"), VxColor(200, 30, 30));
+    VxStdAttach plain(CString(L"RECT"), VxColor(200, 30, 30));
+    VxStdAttach lj(CString(L"LJ2"), VxColor(30, 200, 30));
+    Quad(sk, 0.0, 0.0, 0.1);
+    Quad(plain, 0.0, 0.0, 0.1);
+    Quad(lj, 0.0, 0.0, 0.1);
+    VxAttachment a1(&sk, &tooth), a2(&plain, &tooth), a3(&lj, &tooth);
+    a1.AttachParts().push_back(
+        std::make_shared<VxAttachmentPart>(VxMatrix::Translation(VxVector(-0.5, 0, 0))));
+    a2.AttachParts().push_back(
+        std::make_shared<VxAttachmentPart>(VxMatrix::Translation(VxVector(0.0, 0, 0))));
+    // Two parts: the shape is drawn under each.
+    a3.AttachParts().push_back(
+        std::make_shared<VxAttachmentPart>(VxMatrix::Translation(VxVector(0.5, 0.3, 0))));
+    a3.AttachParts().push_back(
+        std::make_shared<VxAttachmentPart>(VxMatrix::Translation(VxVector(0.5, -0.3, 0))));
+    Frame({&a1, &a2, &a3});
+    Save("attachments");
+    // The attachment record with the colour as ambient and diffuse (colour material).
+    const VxFixedMaterial& rec = VxFixedMaterial::Attachment();
+    auto expect = [&](int r, int g, int b) {
+        const VxColor c(r, g, b, 255);
+        return Lit(c, c, rec.m_specular, rec.m_emission);
+    };
+    EXPECT_RGB_NEAR(At(-0.5, 0.02), expect(0, 173, 239), kTol);
+    EXPECT_RGB_NEAR(At(0.0, 0.02), expect(200, 30, 30), kTol);
+    // "LJ" is a blue family only on the shader path.
+    EXPECT_RGB_NEAR(At(0.5, 0.32), expect(30, 200, 30), kTol);
+    EXPECT_RGB_NEAR(At(0.5, -0.28), expect(30, 200, 30), kTol);
+    EXPECT_EQ(StencilAt(0.5, 0.0), 0);
+
+    a2.SetSelected(1);
+    Frame({&a2});
+    EXPECT_RGB_NEAR(At(0.0, 0.02), Lit(VxFixedMaterial::Selected()), kTol);
+    EXPECT_EQ(GLErrors(), "");
+}
+
+TEST_F(MeshDrawerGLTest, WedgeSkullAndPlainMesh) {
+    VxTooth left(11);
+    Quad(left, 0.9, 0.9, 0.01);
+    VxFilledWedgeTwoTooth wedge(&left, nullptr);
+    Quad(wedge, -0.5, 0.0, 0.2);
+    VxSkull skull;
+    Quad(skull, 0.0, 0.5);
+    // Two placements add up: the skull lands at x = 0.2 + 0.3.
+    Place(&skull, {Shift(0.2, 0, false), Shift(0.3, 0, true)});
+    VxMesh mesh;
+    Quad(mesh, 0.5, -0.5);
+    mesh.SetSelected(1);
+    Frame({&wedge, &skull, &mesh});
+    Save("wedge_skull_mesh");
+
+    // The wedge: see-through wedge colour at alpha 90, unlit, no depth written.
+    const VxColor w = VxColor::GetWedgeColor();
+    const double a = 90 / 255.0;
+    const Rgb expected = {Clamp(w.GetR() * a + kBg[0] * (1 - a)),
+                          Clamp(w.GetG() * a + kBg[1] * (1 - a)),
+                          Clamp(w.GetB() * a + kBg[2] * (1 - a))};
+    EXPECT_RGB_NEAR(At(-0.5, 0.0), expected, 2);
+    EXPECT_EQ(StencilAt(-0.5, 0.0), 1);
+    EXPECT_FLOAT_EQ(ReadDepth(Px(-0.5), Px(0.0)), 1.0f);
+
+    EXPECT_EQ(StencilAt(0.0, 0.5), 0);
+    EXPECT_EQ(StencilAt(0.5, 0.5), 1);
+    EXPECT_RGB_NEAR(At(0.5, 0.5), Lit(VxFixedMaterial::Jaw()), kTol);
+    EXPECT_RGB_NEAR(At(0.5, -0.5), Lit(VxFixedMaterial::Selected()), kTol);
+
+    // The wedge follows the show test of its left tooth.
+    m_view->SelectJawShow(Display_Selec_Lower);
+    Frame({&wedge});
+    EXPECT_EQ(StencilAt(-0.5, 0.0), 0);
+    EXPECT_TRUE(wedge.IsSheltered());
+    EXPECT_EQ(GLErrors(), "");
+}
+
+// The colour files: a file present when the frame is drawn decides the default records, an
+// edit shows at the next frame, a missing key zeroes its channel, and a missing file keeps what
+// the record had.
+TEST_F(MeshDrawerGLTest, ColourFilesFeedTheDefaultRecordsAtTheNextFrame) {
+    // All three at the centre, where the lighting reference holds; one frame each.
+    VxTooth tooth(11);
+    Quad(tooth, 0.0, 0.0);
+    VxJaw jaw(true);
+    Quad(jaw, 0.0, 0.0);
+    VxGum gum(true);
+    Quad(gum, 0.0, 0.0);
+    auto colourOf = [&](VxEntity* e) {
+        Frame({e});
+        return At(0.02, -0.05);
+    };
+
+    EXPECT_RGB_NEAR(colourOf(&tooth), Lit(VxFixedMaterial::ToothDefault()), kTol)
+        << "no file: compiled defaults";
+    EXPECT_RGB_NEAR(colourOf(&jaw), Lit(VxFixedMaterial::JawDefault()), kTol);
+    EXPECT_RGB_NEAR(colourOf(&gum), Lit(VxFixedMaterial::GumDefault()), kTol);
+
+    auto write = [](const std::string& name, const std::string& prefix, int dr, int dg, int db) {
+        std::ofstream f(FilesDir() + "/" + name);
+        f << "[" << prefix << "_AMBIENT]\nR=0\nG=0\nB=0\nA=255\n"
+          << "[" << prefix << "_DIFFUSE]\nR=" << dr << "\nG=" << dg << "\nB=" << db << "\nA=255\n"
+          << "[" << prefix << "_SPECULAR]\nR=0\nG=0\nB=0\nA=255\n"
+          << "[" << prefix << "_EMISSION]\nR=10\nG=20\nB=30\nA=255\n"
+          << "[" << prefix << "_SHINNESS]\nV=10\n";
+    };
+    write("ColorRenderTooth.ini", "TOOTH", 100, 50, 20);
+    write("ColorRenderJaw.ini", "JAW", 20, 100, 50);
+    write("ColorRenderGum.ini", "GUM", 50, 20, 100);
+    EXPECT_RGB_NEAR(colourOf(&jaw), (Rgb{10 + 16, 20 + 80, 30 + 40}), kTol);
+    EXPECT_RGB_NEAR(colourOf(&gum), (Rgb{10 + 40, 20 + 16, 30 + 80}), kTol);
+    EXPECT_RGB_NEAR(colourOf(&tooth), (Rgb{10 + 80, 20 + 40, 30 + 16}), kTol);
+    Save("ini_first");
+
+    // An edit of the same length right away: still seen at the next frame.
+    write("ColorRenderTooth.ini", "TOOTH", 200, 50, 20);
+    Frame({&tooth});
+    Save("ini_edited");
+    EXPECT_RGB_NEAR(At(0.02, -0.05), (Rgb{10 + 160, 20 + 40, 30 + 16}), kTol);
+
+    // Selected and kind records are not fed by the file.
+    tooth.SetToothKind(ToothKind_Pontic);
+    Frame({&tooth});
+    EXPECT_RGB_NEAR(At(0.02, -0.05), Lit(VxFixedMaterial::ToothKind3()), kTol);
+    tooth.SetToothKind(ToothKind_Normal);
+
+    // The file goes: the record keeps what the last read gave it.
+    std::remove((FilesDir() + "/ColorRenderTooth.ini").c_str());
+    Frame({&tooth});
+    EXPECT_RGB_NEAR(At(0.02, -0.05), (Rgb{10 + 160, 20 + 40, 30 + 16}), kTol);
+
+    // A file without the diffuse section zeroes diffuse (and all else it lacks but emission).
+    {
+        std::ofstream f(FilesDir() + "/ColorRenderTooth.ini");
+        f << "[TOOTH_EMISSION]\nR=10\nG=20\nB=30\nA=255\n";
+    }
+    Frame({&tooth});
+    Save("ini_missing_keys");
+    EXPECT_RGB_NEAR(At(0.02, -0.05), (Rgb{10, 20, 30}), kTol);
+    EXPECT_EQ(VxFixedMaterial::Tooth().m_diffuse, VxColor(0, 0, 0, 0));
+    EXPECT_EQ(GLErrors(), "");
+}
+
+// What a default tooth's draw costs with the colour file in place: unchanged (stamp check
+// only), parsed at every draw (what a read without the stamp check would cost), and with no
+// file. Printed for the record; the parse counts are asserted.
+TEST_F(MeshDrawerGLTest, CostOfADefaultToothDraw) {
+    VxTooth tooth(11);
+    Quad(tooth, 0.0, 0.0, 0.01);
+    {
+        std::ofstream f(FilesDir() + "/ColorRenderTooth.ini");
+        f << "[TOOTH_DIFFUSE]\nR=100\nG=50\nB=20\nA=255\n[TOOTH_SHINNESS]\nV=10\n";
+    }
+    const time_t old = time(nullptr) - 100;
+    utimbuf times{old, old};
+    ::utime((FilesDir() + "/ColorRenderTooth.ini").c_str(), &times);
+    constexpr int kDraws = 200;
+    using Clock = std::chrono::steady_clock;
+    auto perDraw = [&](bool forget) {
+        Clear();
+        DrawEntity(&tooth);
+        glFinish();
+        const auto t0 = Clock::now();
+        for (int i = 0; i < kDraws; ++i) {
+            if (forget) {
+                VxMaterialIni::ForgetStamps();
+            }
+            DrawEntity(&tooth);
+        }
+        glFinish();
+        return std::chrono::duration<double, std::micro>(Clock::now() - t0).count() / kDraws;
+    };
+    const std::uint64_t p0 = VxMaterialIni::ParseCount();
+    const double cached = perDraw(false);
+    const std::uint64_t p1 = VxMaterialIni::ParseCount();
+    const double parsed = perDraw(true);
+    const std::uint64_t p2 = VxMaterialIni::ParseCount();
+    std::remove((FilesDir() + "/ColorRenderTooth.ini").c_str());
+    const double none = perDraw(false);
+    std::printf("[ cost     ] default tooth draw (llvmpipe, 2 triangles): file unchanged %.2f us, "
+                "file parsed every draw %.2f us, no file %.2f us\n",
+                cached, parsed, none);
+    // Timings under a loaded machine say little; the parse counts say what was done.
+    EXPECT_LE(p1 - p0, 1u) << "an unchanged file is not parsed again";
+    EXPECT_EQ(p2 - p1, static_cast<std::uint64_t>(kDraws));
+    EXPECT_EQ(GLErrors(), "");
+}
+
+// Bitmaps beside the library texture the tooth and gum by direction; without them nothing is
+// textured. A box has more faces than vertices, so the tooth's texture buffer (vertex-count
+// sized, as it always was) is shorter than the draw: this must not fault.
+TEST_F(MeshDrawerGLTest, OptionalBitmapsTextureToothAndGum) {
+    VxTooth tooth(11);
+    Quad(tooth, -0.5, 0.0, 0.3);
+    VxGum gum(true);
+    Quad(gum, 0.5, 0.0, 0.3);
+    Frame({&tooth, &gum});
+    const Rgb plainTooth = At(-0.5, 0.05);
+    const Rgb plainGum = At(0.5, 0.05);
+
+    // 2 x 2, pure green: the face normal (0, 0, 1) samples it wherever it lands.
+    std::vector<unsigned char> f(54 + 16, 0);
+    auto put = [&](int at, int v, int bytes) {
+        for (int i = 0; i < bytes; ++i) {
+            f[at + i] = static_cast<unsigned char>((v >> (8 * i)) & 0xFF);
+        }
+    };
+    f[0] = 'B';
+    f[1] = 'M';
+    put(2, 70, 4);
+    put(10, 54, 4);
+    put(14, 40, 4);
+    put(18, 2, 4);
+    put(22, 2, 4);
+    put(26, 1, 2);
+    put(28, 24, 2);
+    put(34, 16, 4);
+    for (int row = 0; row < 2; ++row) {
+        for (int px = 0; px < 2; ++px) {
+            f[54 + row * 8 + px * 3 + 1] = 255; // BGR
+        }
+    }
+    for (const char* name : {"/teeth.bmp", "/gum.bmp"}) {
+        std::ofstream(FilesDir() + name, std::ios::binary)
+            .write(reinterpret_cast<const char*>(f.data()), static_cast<std::streamsize>(f.size()));
+    }
+    // Buffers made before the bitmap came have no texture buffer; a rebuild makes one.
+    tooth.SetUpdateVBO(true);
+    gum.SetUpdateVBO(true);
+    Frame({&tooth, &gum});
+    Save("textured");
+    const Rgb texTooth = At(-0.5, 0.05);
+    const Rgb texGum = At(0.5, 0.05);
+    // Modulated by green: red and blue go down, green stays.
+    EXPECT_LT(texTooth.r, plainTooth.r - 50);
+    EXPECT_LT(texGum.r, plainGum.r - 30);
+    EXPECT_NEAR(texTooth.g, plainTooth.g, 3);
+    EXPECT_NE(VxVBOHandleMgr::GetInstance()->GetVBOHandle(&tooth).GetTextureHandle(), 0u);
+
+    VxTooth box(12);
+    const int v0 = box.AddVertex(VxPoint(-0.2, -0.2, -0.2));
+    for (int i = 1; i < 8; ++i) {
+        box.AddVertex(VxPoint(i & 1 ? 0.2 : -0.2, i & 2 ? 0.2 : -0.2, i & 4 ? 0.2 : -0.2));
+    }
+    const int faces[12][3] = {{0, 2, 3}, {0, 3, 1}, {4, 5, 7}, {4, 7, 6}, {0, 1, 5}, {0, 5, 4},
+                              {2, 6, 7}, {2, 7, 3}, {0, 4, 6}, {0, 6, 2}, {1, 3, 7}, {1, 7, 5}};
+    for (const auto& t : faces) {
+        box.AddFace(v0 + t[0], v0 + t[1], v0 + t[2]);
+    }
+    box.Finish();
+    Frame({&box});
+    Save("textured_box");
+    EXPECT_EQ(StencilAt(0.0, 0.0), 2);
+
+    std::remove((FilesDir() + "/teeth.bmp").c_str());
+    std::remove((FilesDir() + "/gum.bmp").c_str());
+    Frame({&tooth, &gum});
+    EXPECT_RGB_NEAR(At(-0.5, 0.05), plainTooth, 1) << "file gone: untextured at the next frame";
+    EXPECT_EQ(GLErrors(), "");
+}
+
+// A drawer leaves the GL state as it found it; the stencil function is the frame's to restore
+// (DrawModel pushes the stencil bits around every drawer), so it is left out here.
+TEST_F(MeshDrawerGLTest, DrawersLeaveTheStateAsTheyFoundIt) {
+    VxTooth tooth(11);
+    Quad(tooth, 0.0, 0.0);
+    Place(&tooth, {Shift(0, 0, false), Shift(0.3, 0, true)});
+    VxGum gum(true);
+    Quad(gum, 0.0, 0.3);
+    Place(&gum, {Shift(0.3, 0, true)});
+    VxJaw jaw(false);
+    Quad(jaw, 0.3, 0.3);
+    VxSkull skull;
+    Quad(skull, -0.3, 0.3);
+    Place(&skull, {Shift(0.1, 0, false)});
+    VxFilledWedgeTwoTooth wedge(&tooth, nullptr);
+    Quad(wedge, -0.3, -0.3);
+    VxStdAttach shape(CString(L"SK1"), VxColor(1, 2, 3));
+    Quad(shape, 0.0, 0.0, 0.05);
+    VxAttachment att(&shape, &tooth);
+    att.AttachParts().push_back(std::make_shared<VxAttachmentPart>());
+    Place(&att, {Shift(0, -0.3, true)});
+
+    // Sentinels: values no drawer would leave behind by chance.
+    glColor4f(0.1f, 0.2f, 0.3f, 0.4f);
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_ONE, GL_ZERO);
+    glDisable(GL_COLOR_MATERIAL);
+    glPointSize(3.0f);
+    glDepthMask(GL_TRUE);
+    GLuint sentinelBuffer = 0, sentinelTexture = 0;
+    glGenBuffers(1, &sentinelBuffer);
+    glBindBuffer(GL_ARRAY_BUFFER, sentinelBuffer);
+    glGenTextures(1, &sentinelTexture);
+    glBindTexture(GL_TEXTURE_2D, sentinelTexture);
+    const GLfloat sentinelEmission[4] = {0.25f, 0.5f, 0.75f, 1.0f};
+    glMaterialfv(GL_FRONT, GL_EMISSION, sentinelEmission);
+    GLdouble mvBefore[16];
+    glGetDoublev(GL_MODELVIEW_MATRIX, mvBefore);
+    GLint depthBefore = 0;
+    glGetIntegerv(GL_MODELVIEW_STACK_DEPTH, &depthBefore);
+
+    for (DisplayMode_e mode :
+         {DisplayMode_Solid, DisplayMode_SolidEdges, DisplayMode_Edges, DisplayMode_Points}) {
+        VxRenderStatus::GetInstance()->SetDisplayMode(mode);
+        for (VxEntity* e :
+             std::initializer_list<VxEntity*>{&tooth, &gum, &jaw, &skull, &wedge, &att}) {
+            SCOPED_TRACE(static_cast<int>(mode));
+            VxDrawer* d = VxDrawerMgr::GetInstance()->GetDrawer(e->GetObjectType());
+            d->SetViewRegion(m_view.get());
+            d->Draw(e);
+            GLfloat c[4];
+            glGetFloatv(GL_CURRENT_COLOR, c);
+            EXPECT_FLOAT_EQ(c[0], 0.1f);
+            EXPECT_FLOAT_EQ(c[3], 0.4f);
+            EXPECT_TRUE(glIsEnabled(GL_BLEND));
+            GLint src = 0;
+            glGetIntegerv(GL_BLEND_SRC, &src);
+            EXPECT_EQ(src, GL_ONE);
+            EXPECT_FALSE(glIsEnabled(GL_COLOR_MATERIAL));
+            EXPECT_TRUE(glIsEnabled(GL_LIGHTING));
+            EXPECT_TRUE(glIsEnabled(GL_LIGHT0));
+            EXPECT_FALSE(glIsEnabled(GL_TEXTURE_2D));
+            GLfloat ps = 0;
+            glGetFloatv(GL_POINT_SIZE, &ps);
+            EXPECT_FLOAT_EQ(ps, 3.0f);
+            GLboolean dm = GL_FALSE;
+            glGetBooleanv(GL_DEPTH_WRITEMASK, &dm);
+            EXPECT_EQ(dm, GL_TRUE);
+            GLint buf = 0, tex = 0, mode2 = 0, depth = 0;
+            glGetIntegerv(GL_ARRAY_BUFFER_BINDING, &buf);
+            glGetIntegerv(GL_TEXTURE_BINDING_2D, &tex);
+            glGetIntegerv(GL_MATRIX_MODE, &mode2);
+            glGetIntegerv(GL_MODELVIEW_STACK_DEPTH, &depth);
+            EXPECT_EQ(static_cast<GLuint>(buf), sentinelBuffer);
+            EXPECT_EQ(static_cast<GLuint>(tex), sentinelTexture);
+            EXPECT_EQ(mode2, GL_MODELVIEW);
+            EXPECT_EQ(depth, depthBefore);
+            GLdouble mv[16];
+            glGetDoublev(GL_MODELVIEW_MATRIX, mv);
+            for (int i = 0; i < 16; ++i) {
+                EXPECT_DOUBLE_EQ(mv[i], mvBefore[i]);
+            }
+            GLfloat em[4];
+            glGetMaterialfv(GL_FRONT, GL_EMISSION, em);
+            EXPECT_FLOAT_EQ(em[1], 0.5f) << "materials are inside the lighting push";
+            EXPECT_FALSE(glIsEnabled(GL_VERTEX_ARRAY));
+            EXPECT_FALSE(glIsEnabled(GL_NORMAL_ARRAY));
+            EXPECT_FALSE(glIsEnabled(GL_TEXTURE_COORD_ARRAY));
+            EXPECT_EQ(GLErrors(), "");
+        }
+    }
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+    glBindTexture(GL_TEXTURE_2D, 0);
+    glDeleteBuffers(1, &sentinelBuffer);
+    glDeleteTextures(1, &sentinelTexture);
+    glDisable(GL_BLEND);
+    glPointSize(1.0f);
+}
+
+// Selection drawing: the names in the GL selection buffer lead back to the entity and, when
+// faces or edges are asked for, to the very face or edge objects of the mesh; a limit position
+// is never drawn for a pick.
+TEST_F(MeshDrawerGLTest, DrawForSelectNamesObjects) {
+    VxRenderStatus* status = VxRenderStatus::GetInstance();
+    const std::vector<ObjectType_e> savedTypes = status->GetSelectType();
+    VxTooth tooth(11);
+    Quad(tooth, 0.0, 0.0, 0.5);
+    VxDrawer* d = VxDrawerMgr::GetInstance()->GetDrawer(ObjectType_Tooth);
+
+    auto pick = [&](std::vector<VxObject*>& hits) {
+        hits.clear();
+        VxSelectNames::Reset();
+        GLuint buffer[512];
+        glSelectBuffer(512, buffer);
+        glRenderMode(GL_SELECT);
+        glInitNames();
+        glPushName(0);
+        d->DrawForSelect(&tooth, CPoint(kSize / 2, kSize / 2));
+        const GLint n = glRenderMode(GL_RENDER);
+        // Walk the records by their own name counts; the innermost name is the object's.
+        int at = 0;
+        for (GLint i = 0; i < n; ++i) {
+            const GLuint names = buffer[at];
+            hits.push_back(VxSelectNames::ObjectOf(buffer[at + 2 + names]));
+            at += 3 + static_cast<int>(names);
+        }
+    };
+    std::vector<VxObject*> hits;
+    status->SetSelectType({ObjectType_Tooth});
+    pick(hits);
+    ASSERT_EQ(hits.size(), 1u);
+    EXPECT_EQ(hits[0], &tooth);
+
+    status->SetSelectType({ObjectType_Face});
+    pick(hits);
+    ASSERT_EQ(hits.size(), 2u);
+    EXPECT_EQ(hits[0], &tooth.GetFaces()[0]);
+    EXPECT_EQ(hits[1], &tooth.GetFaces()[1]);
+
+    status->SetSelectType({ObjectType_Edge, ObjectType_Tooth});
+    pick(hits);
+    ASSERT_EQ(hits.size(), 1u + 5u);
+    EXPECT_EQ(hits[0], &tooth);
+    for (size_t i = 1; i < hits.size(); ++i) {
+        EXPECT_EQ(hits[i], &tooth.GetEdges()[i - 1]);
+    }
+
+    // A limit position is not drawn; an ordinary one moved out of the window is not hit.
+    status->SetSelectType({ObjectType_Tooth});
+    Place(&tooth, {Shift(5, 0, false), Shift(0, 0, true)});
+    pick(hits);
+    EXPECT_TRUE(hits.empty());
+    status->SetSelectType(savedTypes);
+    EXPECT_EQ(GLErrors(), "");
+}
+
+} // namespace
