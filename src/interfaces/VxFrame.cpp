@@ -1,5 +1,6 @@
-// VxFrame: an orthonormal right-handed frame built by Gram-Schmidt from two directions. It does
-// not keep scale or shear: a frame moved by such a matrix is re-orthonormalised, X first.
+// VxFrame: an orthonormal frame built by Gram-Schmidt from two directions, right-handed when
+// built, left-handed after a mirroring Transform. It does not keep scale or shear: a frame moved
+// by such a matrix is re-orthonormalised, X first.
 #include <interfaces/VxFrame.h>
 
 VxFrame::VxFrame(const VxPoint& origin, const VxVector& first, const VxVector& second)
@@ -28,8 +29,15 @@ void VxFrame::SetFrame(const VxVector& first, const VxVector& second) {
 
 void VxFrame::Transform(const VxMatrix& m) {
     const bool wasValid = m_valid;
+    const VxVector z = m.Transform(m_z);
     m_origin = m.Transform(m_origin);
     SetFrame(m.Transform(m_x), m.Transform(m_y));
+    // A mirroring matrix turns the frame left-handed, and the frame keeps that: the view layouts
+    // carry one mirrored fixed view through ViewLookAt, and rebuilding Z as X x Y there would
+    // turn the mirrored view into one seen from the other side, depth order reversed.
+    if (m_valid && z % m_z < 0.0) {
+        m_z.Flip();
+    }
     m_valid = wasValid && m_valid;
 }
 

@@ -24,7 +24,8 @@ public:
     const VxVector& DirZ() const { return m_z; }
     bool IsValid() const { return m_valid; }
 
-    // Moves the frame by a 4 x 4 placement (rigid; the axes are re-orthonormalised).
+    // Moves the frame by a 4 x 4 matrix; the axes are re-orthonormalised, and a mirroring matrix
+    // leaves the frame left-handed (Z is the image of Z, not X x Y).
     void Transform(const VxMatrix& m);
     // The rigid transform that carries this frame onto `frame`: origin to origin, axis to axis.
     VxXForm TransformToFrame(const VxFrame& frame) const;
