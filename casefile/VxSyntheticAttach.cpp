@@ -53,7 +53,7 @@ void BuildDome(VxMesh& mesh, const StdShape& s) {
         }
         rings.push_back(ring);
     }
-    const int pole = mesh.AddVertex(VxPoint(0.0, 0.0, s.height));
+    const int pole = mesh.AddVertex(F32(VxPoint(0.0, 0.0, s.height)));
     const int base = mesh.AddVertex(VxPoint(0.0, 0.0, 0.0));
     for (int i = 0; i < n; ++i) {
         const size_t a = static_cast<size_t>(i);

@@ -295,7 +295,12 @@ void BuildJaw(VxJaw& jaw, const ArchProfile& prof, bool upper) {
     jaw.Finish();
     const double n = static_cast<double>(jaw.GetVertexCount() - 2);
     const VxPoint centre(sum.x() / n, sum.y() / n, sum.z() / n);
-    jaw.SetFrame(VxFrame(centre, VxVector(1, 0, 0), VxVector(0, upper ? -1 : 1, 0)));
+    // The layouts turn views by the jaw frame: X points forward (out of the screen in a front
+    // view) and Z away from the teeth towards the jaw's base, so the upper jaw's Z is up and the
+    // lower jaw's down; Y = Z x X then points to the patient's left on the upper jaw and to the
+    // right on the lower one. With these, the side views, the front view and both occlusal views
+    // of the layouts show the arches from the side a clinician expects.
+    jaw.SetFrame(VxFrame(centre, VxVector(0, 1, 0), VxVector(upper ? -1 : 1, 0, 0)));
 }
 
 } // namespace
