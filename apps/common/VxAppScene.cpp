@@ -1,0 +1,416 @@
+// VxAppScene: the host's side of the library for the two programs.
+//
+// Bring-up, in the order the library needs it:
+//   1. SetBkGround before Create, because Create loads the background at once.
+//   2. Create on the window; then the fixed path is chosen (Mesa reports 4.5, which would leave
+//      the shader path on, and that path does not draw yet).
+//   3. ResizeViewport, SetTotalViewSize, CreateSingleView.
+//   4. SetModel on the renderer and the selecter.
+// A layout that turns views with ViewLookAt reads the matrices of the last frame, so a frame is
+// drawn before every layout switch.
+#include "VxAppScene.h"
+
+#include <VxCase.h>
+
+#include <frame/OpenGLVersion.h>
+#include <frame/VxDIBLoader.h>
+#include <frame/VxOpenGLRender.h>
+#include <frame/VxRenderStatus.h>
+#include <interfaces/CImage.h>
+#include <interfaces/CRect.h>
+#include <interfaces/CString.h>
+#include <interfaces/VxAttachment.h>
+#include <interfaces/VxBBox.h>
+#include <interfaces/VxEdge.h>
+#include <interfaces/VxGum.h>
+#include <interfaces/VxJaw.h>
+#include <interfaces/VxModel.h>
+#include <interfaces/VxTooth.h>
+#include <interfaces/VxVertex.h>
+#include <interfaces/VxXForm.h>
+#include <platform/VxGLContext.h>
+#include <platform/VxMessageSink.h>
+#include <select/VxOpenGLSelect.h>
+#include <views/VxViewManager.h>
+#include <views/VxViewRegion.h>
+
+#include <GL/gl.h>
+
+#include <algorithm>
+
+namespace {
+
+// Share of the shorter side of a view that the model's box diagonal takes at the start. The
+// diagonal is longer than the arch seen from any side, so the teeth keep a margin.
+constexpr double kFill = 1.15;
+
+VxViewManager* Views() {
+    return VxViewManager::GetInstance();
+}
+
+unsigned int JawsMask(VxAppJaws jaws) {
+    switch (jaws) {
+    case VxAppJaws::Upper:
+        return Display_Selec_Upper;
+    case VxAppJaws::Lower:
+        return Display_Selec_Lower;
+    case VxAppJaws::Both:
+        break;
+    }
+    return Display_Selec_All;
+}
+
+// The reason the BMP reader gives, or "" when the file reads.
+std::string CheckBackground(const std::string& path) {
+    std::string reason;
+    VxMessageSink::SetHandler([&reason](const std::string& text, const std::string&) {
+        if (reason.empty()) {
+            reason = text;
+        }
+    });
+    VxDIBImage* image = LoadDIB(CString::FromUtf8(path).GetString());
+    VxMessageSink::Reset();
+    if (image != nullptr) {
+        FreeDIB(image);
+        return "";
+    }
+    while (!reason.empty() && (reason.back() == '\n' || reason.back() == '.')) {
+        reason.pop_back();
+    }
+    return reason.empty() ? "not a readable BMP picture" : reason;
+}
+
+} // namespace
+
+VxOpenGLRender* VxAppScene::Render() const {
+    return VxRenderStatus::GetInstance()->GetRender();
+}
+
+bool VxAppScene::Open(HWND window, int width, int height, const std::string& background,
+                      std::string& error) {
+    VxOpenGLRender* render = Render();
+    if (!background.empty()) {
+        const std::string reason = CheckBackground(background);
+        if (!reason.empty()) {
+            error = "background '" + background + "': " + reason;
+            return false;
+        }
+        render->SetBkGround(CString::FromUtf8(background));
+    }
+    // Without a background the renderer still tries to load one; its complaint about an empty
+    // name is no news to the user.
+    const bool showMessages = g_bDIBShowMessage;
+    g_bDIBShowMessage = !background.empty();
+    const bool created = render->Create(window, 24, 8);
+    g_bDIBShowMessage = showMessages;
+    if (!created || render->GetGLContext() == nullptr || !render->GetGLContext()->IsValid()) {
+        const std::string why =
+            render->GetGLContext() ? render->GetGLContext()->GetLastError() : std::string();
+        error = "could not make an OpenGL context" + (why.empty() ? "" : ": " + why);
+        return false;
+    }
+    OpenGLVersion::GetInstance()->Set_btestversion(false);
+    m_width = width;
+    m_height = height;
+    render->ResizeViewport(width, height);
+    Views()->Clear();
+    Views()->SetTotalViewSize(width, height);
+    Views()->CreateSingleView();
+    m_layout = VxAppLayout::Single;
+    m_layoutMasks.assign(1, Display_Selec_All);
+    return true;
+}
+
+void VxAppScene::SetCase(VxCase* c) {
+    m_case = c;
+    VxModel* model = c ? &c->model : nullptr;
+    if (c) {
+        c->Install();
+    }
+    Render()->SetModel(model);
+    VxRenderStatus::GetInstance()->GetSelecter()->SetModel(model);
+    if (Views()->IsMultiView()) {
+        Views()->SwitchToSingleView();
+    }
+    m_layout = VxAppLayout::Single;
+    m_layoutMasks.assign(Views()->GetAllViews().size(), Display_Selec_All);
+    ResetView();
+    ApplyJaws();
+}
+
+void VxAppScene::ResetView() {
+    if (!m_case) {
+        return;
+    }
+    const VxAppLayout layout = m_layout;
+    if (Views()->IsMultiView()) {
+        Views()->SwitchToSingleView();
+        m_layout = VxAppLayout::Single;
+    }
+    VxViewRegion* view = Views()->GetView(0);
+    if (!view) {
+        return;
+    }
+    const VxBBox box = m_case->model.GetBBox();
+    const double diagonal = box.IsEmpty() ? 0.0 : box.Diagonal();
+    VxXForm xf;
+    xf.SetRotation(VxViewManager::GetFixedMatrix(VxViewManager::View_Front) *
+                   VxViewManager::GetReferenceRotation(m_case->model));
+    // The shorter side of a view spans two view units.
+    xf.SetScale(diagonal > 0.0 ? 2.0 * kFill / diagonal : 1.0);
+    const VxPoint c = box.IsEmpty() ? VxPoint() : box.Center();
+    xf.SetTranslation(VxVector(-c[0], -c[1], -c[2]));
+    view->SetXForm(xf);
+    if (layout != VxAppLayout::Single) {
+        SetLayout(layout);
+    }
+}
+
+void VxAppScene::SetLayout(VxAppLayout layout) {
+    if (!m_case) {
+        return;
+    }
+    VxViewManager* views = Views();
+    // A multi-view layout is built from one view only.
+    if (views->IsMultiView()) {
+        views->SwitchToSingleView();
+    }
+    m_layout = VxAppLayout::Single;
+    VxModel& model = m_case->model;
+    // The two-jaw, compare and five-view layouts read the first jaw; without one they would
+    // fault, so such a case stays in one view.
+    const bool hasJaw = !model.GetJaws().empty();
+    if (layout != VxAppLayout::Single && (hasJaw || layout == VxAppLayout::Four)) {
+        // ViewLookAt maps through the matrices of the last frame.
+        views->SetActiveView(0);
+        Render()->RenderScene(true);
+        switch (layout) {
+        case VxAppLayout::Jaws:
+            views->SwitchTo2View(model);
+            break;
+        case VxAppLayout::Compare:
+            views->SwitchTo2View(model, model);
+            break;
+        case VxAppLayout::Four:
+            views->SwitchToMultiView(model);
+            break;
+        case VxAppLayout::Five:
+            views->SwitchTo5View(model);
+            break;
+        case VxAppLayout::Single:
+            break;
+        }
+        m_layout = layout;
+    }
+    m_layoutMasks.clear();
+    for (VxViewRegion* v : views->GetAllViews()) {
+        m_layoutMasks.push_back(v->GetUpDownSelec());
+    }
+    ApplyJaws();
+}
+
+void VxAppScene::SetJaws(VxAppJaws jaws) {
+    m_jaws = jaws;
+    ApplyJaws();
+}
+
+void VxAppScene::ApplyJaws() {
+    const std::vector<VxViewRegion*>& views = Views()->GetAllViews();
+    for (std::size_t i = 0; i < views.size(); ++i) {
+        const unsigned int layoutMask = i < m_layoutMasks.size() ? m_layoutMasks[i] : 63u;
+        views[i]->SelectJawShow(static_cast<Display_Selec>(layoutMask & JawsMask(m_jaws)));
+    }
+}
+
+void VxAppScene::SetDisplay(VxAppDisplay display) {
+    m_display = display;
+    DisplayMode_e mode = DisplayMode_Solid;
+    switch (display) {
+    case VxAppDisplay::Solid:
+        mode = DisplayMode_Solid;
+        break;
+    case VxAppDisplay::SolidEdges:
+        mode = DisplayMode_SolidEdges;
+        break;
+    case VxAppDisplay::Edges:
+        mode = DisplayMode_Edges;
+        break;
+    case VxAppDisplay::Points:
+        mode = DisplayMode_Points;
+        break;
+    }
+    VxRenderStatus::GetInstance()->SetDisplayMode(mode);
+}
+
+bool VxAppScene::SetRenderPath(VxAppRenderPath path, std::string& error) {
+    if (path == VxAppRenderPath::Shader) {
+        error = "the shader render path is not available yet; use the fixed path";
+        return false;
+    }
+    OpenGLVersion::GetInstance()->Set_btestversion(false);
+    return true;
+}
+
+VxAppRenderPath VxAppScene::GetRenderPath() const {
+    return OpenGLVersion::GetInstance()->Get_btestversion() ? VxAppRenderPath::Shader
+                                                            : VxAppRenderPath::Fixed;
+}
+
+int VxAppScene::StepCount() const {
+    return m_case ? std::max(1, m_case->stepCount) : 1;
+}
+
+int VxAppScene::GetStep() const {
+    return m_case ? m_case->currentStep : 0;
+}
+
+void VxAppScene::SetStep(int step) {
+    if (m_case) {
+        m_case->SetCurrentStep(std::clamp(step, 0, StepCount() - 1));
+    }
+}
+
+void VxAppScene::Resize(int width, int height) {
+    if (width <= 0 || height <= 0) {
+        return; // minimised
+    }
+    m_width = width;
+    m_height = height;
+    // The order a host follows on every size change.
+    Render()->ResizeViewport(width, height);
+    Views()->SetTotalViewSize(width, height);
+    if (Views()->IsMultiView()) {
+        Views()->AdjustMultiView();
+    } else {
+        Views()->AdjustSingleView();
+    }
+}
+
+void VxAppScene::RenderFrame() {
+    if (m_case) {
+        Render()->RenderScene(true);
+    } else {
+        Render()->RenderScene(false);
+    }
+}
+
+void VxAppScene::Present() {
+    Render()->Flush();
+}
+
+bool VxAppScene::SaveSnapshot(const std::string& path, std::string& error) {
+    CImage* image = Render()->CreateSnapshot(CRect(0, 0, m_width, m_height));
+    if (image == nullptr) {
+        error = "no picture could be taken of the window";
+        return false;
+    }
+    const bool saved = SUCCEEDED(image->Save(CString::FromUtf8(path).GetString()));
+    delete image;
+    if (!saved) {
+        error = "cannot write '" + path + "'";
+        return false;
+    }
+    return true;
+}
+
+VxViewRegion* VxAppScene::ViewAt(const CPoint& pixel) const {
+    VxViewRegion* view = Views()->GetView(pixel);
+    return view ? view : Views()->GetActiveView();
+}
+
+VxObject* VxAppScene::Pick(const CPoint& pixel, PickKind kind) {
+    if (!m_case) {
+        return nullptr;
+    }
+    VxRenderStatus* status = VxRenderStatus::GetInstance();
+    switch (kind) {
+    case PickKind::Entity:
+        status->SetSelectType({ObjectType_Tooth, ObjectType_Gum, ObjectType_Jaw,
+                               ObjectType_Attachment, ObjectType_Mesh});
+        break;
+    case PickKind::Vertex:
+        status->SetSelectType({ObjectType_Vertex});
+        break;
+    case PickKind::Edge:
+        status->SetSelectType({ObjectType_Edge});
+        break;
+    }
+    if (VxViewRegion* view = Views()->GetView(pixel)) {
+        Views()->SetActiveView(view);
+    }
+    // The stencil and depth the pick reads are those of a frame just drawn.
+    Render()->RenderScene(true);
+    Render()->ProcessFeedback(pixel);
+    return status->GetSelecter()->DoSelect(pixel);
+}
+
+std::string VxAppScene::Describe(const VxObject* object) const {
+    if (object == nullptr) {
+        return "nothing";
+    }
+    auto meshName = [](const VxObject* mesh) -> std::string {
+        if (mesh == nullptr) {
+            return "a mesh";
+        }
+        if (mesh->IsKindOf(ObjectType_Tooth)) {
+            return "tooth " + std::to_string(static_cast<const VxTooth*>(mesh)->GetFDI());
+        }
+        if (mesh->IsKindOf(ObjectType_Attachment)) {
+            const VxTooth* t = static_cast<const VxAttachment*>(mesh)->GetTooth();
+            return t ? "the attachment on tooth " + std::to_string(t->GetFDI())
+                     : std::string("an attachment");
+        }
+        if (mesh->IsKindOf(ObjectType_Gum)) {
+            return static_cast<const VxGum*>(mesh)->IsUp() ? "the upper gum" : "the lower gum";
+        }
+        if (mesh->IsKindOf(ObjectType_Jaw)) {
+            return static_cast<const VxJaw*>(mesh)->IsUp() ? "the upper jaw" : "the lower jaw";
+        }
+        if (mesh->IsKindOf(ObjectType_Skull)) {
+            return "the skull";
+        }
+        return "a mesh";
+    };
+    const VxModel* model = m_case ? &m_case->model : nullptr;
+    if (object->IsKindOf(ObjectType_Vertex)) {
+        const auto* v = static_cast<const VxVertex*>(object);
+        return "vertex " + std::to_string(v->GetVtxId()) + " of " +
+               meshName(model ? model->GetParentMesh(v) : nullptr);
+    }
+    if (object->IsKindOf(ObjectType_Edge)) {
+        const auto* e = static_cast<const VxEdge*>(object);
+        return "edge " + std::to_string(e->GetEdgeId()) + " of " +
+               meshName(model ? model->GetParentMesh(e) : nullptr);
+    }
+    return meshName(object);
+}
+
+bool VxAppScene::SelectTooth(int fdi, bool selected) {
+    VxTooth* tooth = m_case ? m_case->model.GetTooth(fdi) : nullptr;
+    if (!tooth) {
+        return false;
+    }
+    tooth->SetSelected(selected ? 1 : 0);
+    return true;
+}
+
+bool VxAppScene::HighlightTooth(int fdi, bool highlighted) {
+    VxTooth* tooth = m_case ? m_case->model.GetTooth(fdi) : nullptr;
+    if (!tooth) {
+        return false;
+    }
+    tooth->SetHighLight(highlighted ? 1 : 0);
+    return true;
+}
+
+void VxAppScene::ClearSelection() {
+    if (!m_case) {
+        return;
+    }
+    std::vector<VxEntity*> entities;
+    m_case->model.GetEntities(entities);
+    for (VxEntity* e : entities) {
+        e->SetSelected(0);
+        e->SetHighLight(0);
+    }
+}

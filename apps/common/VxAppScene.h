@@ -1,0 +1,93 @@
+// VxAppScene: the host side that both programs share. It brings the library up in the order a
+// host must follow (background, Create, total size, single view, models), frames the patient in
+// the views, switches layouts, jaws, display modes and treatment steps, picks, and writes
+// snapshots. One scene per process: the library's state is process-wide.
+// It owns neither the window nor the case, opens no window and reads no file but the snapshot it
+// writes; the programs do that.
+#pragma once
+
+#include "VxAppTypes.h"
+
+#include <interfaces/CPoint.h>
+#include <platform/VxWindowHandle.h>
+
+#include <string>
+#include <vector>
+
+class VxCase;
+class VxObject;
+class VxOpenGLRender;
+class VxViewRegion;
+
+class VxAppScene {
+public:
+    enum class PickKind { Entity, Vertex, Edge };
+
+    VxAppScene() = default;
+    VxAppScene(const VxAppScene&) = delete;
+    VxAppScene& operator=(const VxAppScene&) = delete;
+
+    // Makes the library's context on the window (depth 24, stencil 8), puts the renderer on the
+    // fixed-function path and makes the single view. `background` is a BMP or empty. False with
+    // `error` set when no context can be made or the background does not load.
+    bool Open(HWND window, int width, int height, const std::string& background,
+              std::string& error);
+    // Installs the case and hands its model to the renderer and the selecter; frames the patient
+    // and returns to the single layout.
+    void SetCase(VxCase* c);
+    VxCase* GetCase() const { return m_case; }
+
+    // The front view of the patient, filling the views.
+    void ResetView();
+    void SetLayout(VxAppLayout layout);
+    VxAppLayout GetLayout() const { return m_layout; }
+    void SetJaws(VxAppJaws jaws);
+    VxAppJaws GetJaws() const { return m_jaws; }
+    void SetDisplay(VxAppDisplay display);
+    VxAppDisplay GetDisplay() const { return m_display; }
+    // False (and the path unchanged) for a path this build cannot draw with.
+    bool SetRenderPath(VxAppRenderPath path, std::string& error);
+    VxAppRenderPath GetRenderPath() const;
+
+    // Treatment steps: 0 .. StepCount() - 1, at least one.
+    int StepCount() const;
+    int GetStep() const;
+    void SetStep(int step);
+
+    void Resize(int width, int height);
+    int Width() const { return m_width; }
+    int Height() const { return m_height; }
+
+    // One frame into the back buffer, without the swap.
+    void RenderFrame();
+    // The swap (and glFlush) of a frame.
+    void Present();
+    // The whole window as a PNG; call between RenderFrame and Present.
+    bool SaveSnapshot(const std::string& path, std::string& error);
+
+    // Draws a frame, reads the stencil under the pixel (y from the top) and picks; the view under
+    // the pixel becomes the active one. Null where nothing of the kind is there.
+    VxObject* Pick(const CPoint& pixel, PickKind kind);
+    // "tooth 36", "vertex 120 of tooth 36", "edge 7 of gum (upper)" and the like.
+    std::string Describe(const VxObject* object) const;
+    // Marks a tooth selected / highlighted; false when the case has no such tooth.
+    bool SelectTooth(int fdi, bool selected);
+    bool HighlightTooth(int fdi, bool highlighted);
+    void ClearSelection();
+
+    // The view under a pixel (y from the top), or the active one.
+    VxViewRegion* ViewAt(const CPoint& pixel) const;
+    VxOpenGLRender* Render() const;
+
+private:
+    void ApplyJaws();
+
+    VxCase* m_case = nullptr;
+    int m_width = 0;
+    int m_height = 0;
+    VxAppLayout m_layout = VxAppLayout::Single;
+    VxAppJaws m_jaws = VxAppJaws::Both;
+    VxAppDisplay m_display = VxAppDisplay::Solid;
+    // The jaw mask each view got from its layout, before the jaw choice narrows it.
+    std::vector<unsigned int> m_layoutMasks;
+};

@@ -1,0 +1,129 @@
+// VxCliRender: the rendering half of vxrender.
+//
+// A run:
+//   1. refuse what this build cannot do (the shader path) before any work;
+//   2. read the case (or make the synthetic patient);
+//   3. an off-screen window of the picture's size, the library's context on it;
+//   4. teeth marked, display mode, layout, jaws;
+//   5. per step: the step, one frame, the picture from the back buffer.
+// Whether a step or tooth exists is known only once the case is read, so those values are
+// checked here, not by the parser.
+#include "VxCliRender.h"
+
+#include "VxAppCase.h"
+#include "VxAppScene.h"
+
+#include <VxCase.h>
+
+#include <platform/VxNativeWindow.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <vector>
+
+namespace {
+
+std::string StepRange(int count) {
+    return count == 1 ? "only step 0" : "steps 0 to " + std::to_string(count - 1);
+}
+
+// The steps to draw, or empty with `error` set.
+std::vector<int> ResolveSteps(const VxCliSteps& steps, int current, int count, std::string& error) {
+    std::vector<int> out;
+    switch (steps.kind) {
+    case VxCliSteps::Kind::Current:
+        out.push_back(std::min(current, count - 1));
+        break;
+    case VxCliSteps::Kind::Last:
+        out.push_back(count - 1);
+        break;
+    case VxCliSteps::Kind::All:
+        for (int s = 0; s < count; ++s) {
+            out.push_back(s);
+        }
+        break;
+    case VxCliSteps::Kind::One:
+    case VxCliSteps::Kind::Range:
+        if (steps.last >= count) {
+            error = "--step: the case has " + StepRange(count) + ", not step " +
+                    std::to_string(steps.last);
+            return {};
+        }
+        for (int s = steps.first; s <= steps.last; ++s) {
+            out.push_back(s);
+        }
+        break;
+    }
+    return out;
+}
+
+} // namespace
+
+int VxCliRender(const VxCliOptions& options, std::string& error) {
+    VxAppScene scene;
+    std::string pathError;
+    if (!scene.SetRenderPath(options.renderPath, pathError)) {
+        error = "--path " + std::string(VxAppNameOf(kVxAppRenderPaths, options.renderPath)) + ": " +
+                pathError;
+        return 2;
+    }
+
+    std::unique_ptr<VxCase> c = VxAppLoadCase(options.caseDir, options.seed, error);
+    if (!c) {
+        return 1;
+    }
+
+    std::unique_ptr<VxNativeWindow> window =
+        VxNativeWindow::CreateOffscreen(options.width, options.height);
+    if (!scene.Open(window.get(), options.width, options.height, options.background, error)) {
+        return 1;
+    }
+    // Open chose the path again after the context reported its version.
+    scene.SetRenderPath(options.renderPath, pathError);
+    scene.SetCase(c.get());
+
+    for (int fdi : options.selectFdi) {
+        if (!scene.SelectTooth(fdi, true)) {
+            error = "--select: the case has no tooth " + std::to_string(fdi);
+            return 1;
+        }
+    }
+    for (int fdi : options.highlightFdi) {
+        if (!scene.HighlightTooth(fdi, true)) {
+            error = "--highlight: the case has no tooth " + std::to_string(fdi);
+            return 1;
+        }
+    }
+    const std::vector<int> steps =
+        ResolveSteps(options.steps, scene.GetStep(), scene.StepCount(), error);
+    if (steps.empty()) {
+        return 1;
+    }
+
+    scene.SetDisplay(options.display);
+    scene.SetLayout(options.layout);
+    scene.SetJaws(options.jaws);
+
+    const bool several = steps.size() > 1;
+    for (int step : steps) {
+        scene.SetStep(step);
+        scene.RenderFrame();
+        const std::string path = VxCliOutputPath(options, step, several, steps.back());
+        const std::filesystem::path parent = std::filesystem::path(path).parent_path();
+        std::error_code ec;
+        if (!parent.empty()) {
+            std::filesystem::create_directories(parent, ec);
+        }
+        if (!scene.SaveSnapshot(path, error)) {
+            if (ec) {
+                error += " (" + ec.message() + ")";
+            }
+            return 1;
+        }
+        if (!options.quiet) {
+            std::printf("%s\n", path.c_str());
+        }
+    }
+    std::fflush(stdout);
+    return 0;
+}

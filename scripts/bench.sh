@@ -1,0 +1,84 @@
+#!/usr/bin/env bash
+# Builds the benchmarks in Release and runs them on the synthetic patient (1280 x 800 off screen,
+# Mesa's llvmpipe unless LIBGL_ALWAYS_SOFTWARE=0), then prints one table of figures and the
+# ratios that matter: the library's frame against a bare draw loop of the same triangles, each
+# pick against one frame.
+# Usage: scripts/bench.sh [build-dir]   (default build-main, the Release tree main.sh builds)
+# The JSON of each benchmark stays in <build-dir>/bench-results/.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bash scripts/install-deps.sh
+build=${1:-build-main}
+launcher=()
+if command -v ccache >/dev/null; then launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache); fi
+cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DVX_BUILD_TESTS=OFF -DVX_BUILD_BENCH=ON \
+  "${launcher[@]}" >/dev/null
+jobs=$(nproc)
+[ "$jobs" -gt 2 ] && jobs=2
+cmake --build "$build" --target bench_frame bench_case -j"$jobs"
+
+export LIBGL_ALWAYS_SOFTWARE=${LIBGL_ALWAYS_SOFTWARE:-1}
+results="$build/bench-results"
+mkdir -p "$results"
+for b in frame case; do
+  echo "running bench_$b ..."
+  "$build/bin/bench_$b" --benchmark_out="$results/$b.json" --benchmark_out_format=json \
+    --benchmark_format=console >"$results/$b.txt" 2>&1 || { cat "$results/$b.txt"; exit 1; }
+done
+
+python3 - "$results/frame.json" "$results/case.json" <<'PY'
+import json, sys
+
+rows = {}
+for path in sys.argv[1:]:
+    with open(path) as f:
+        data = json.load(f)
+    for b in data.get("benchmarks", []):
+        name = b["name"].split("/")[0]
+        if b.get("error_occurred"):
+            rows[name] = {"error": b.get("error_message", "error")}
+            continue
+        scale = {"ns": 1e-6, "us": 1e-3, "ms": 1.0, "s": 1e3}[b.get("time_unit", "ns")]
+        rows[name] = {"wall": b["real_time"] * scale, "cpu": b["cpu_time"] * scale,
+                      "extra": {k: v for k, v in b.items() if k in ("triangles", "meshes")}}
+
+what = [
+    ("BM_FullFrame", "full frame: RenderScene + Flush + glFinish, fixed path"),
+    ("BM_BareLoop", "bare loop: one glDrawArrays per mesh, same tests and light"),
+    ("BM_PickTooth", "pick a tooth: ProcessFeedback + DoSelect"),
+    ("BM_PickVertex", "pick a vertex"),
+    ("BM_PickEdge", "pick an edge"),
+    ("BM_BuildMeshBuffers", "build every mesh buffer (VxVBOHandleMgr)"),
+    ("BM_GenerateSynthetic", "generate the synthetic patient"),
+    ("BM_WriteCase", "write it as a case directory"),
+    ("BM_ReadCase", "read that case (VxCaseIO::Read)"),
+]
+print()
+print(f"{'benchmark':<22} {'wall ms':>10} {'cpu ms':>10}  what")
+print("-" * 96)
+for name, text in what:
+    r = rows.get(name)
+    if r is None:
+        print(f"{name:<22} {'-':>10} {'-':>10}  {text} (not run)")
+    elif "error" in r:
+        print(f"{name:<22} {'error':>10} {'':>10}  {text}: {r['error']}")
+    else:
+        extra = ", ".join(f"{k} {v:,.0f}" for k, v in r["extra"].items())
+        print(f"{name:<22} {r['wall']:>10.3f} {r['cpu']:>10.3f}  {text}" + (f" [{extra}]" if extra else ""))
+
+def ratio(a, b, text):
+    ra, rb = rows.get(a), rows.get(b)
+    if not ra or not rb or "wall" not in ra or "wall" not in rb or rb["wall"] == 0:
+        print(f"  {text}: n/a")
+        return
+    print(f"  {text}: {ra['wall'] / rb['wall']:.3g} (wall), {ra['cpu'] / rb['cpu']:.3g} (cpu)")
+
+print()
+print("ratios:")
+ratio("BM_FullFrame", "BM_BareLoop", "library frame / bare loop (the library's overhead)")
+for pick in ("BM_PickTooth", "BM_PickVertex", "BM_PickEdge"):
+    ratio(pick, "BM_FullFrame", f"{pick[7:].lower()} pick / one full frame")
+ratio("BM_ReadCase", "BM_GenerateSynthetic", "read the case / generate it")
+print()
+print("cpu ms is the benchmark thread's own time; llvmpipe rasterises on threads of its own, which only wall ms includes.")
+PY

@@ -1,0 +1,310 @@
+// The built vxrender program, run as a user runs it on the synthetic patient: every layout puts
+// the patient into every one of its views (view rectangles computed here from the layout rules),
+// steps, jaws, display modes and the selection change the picture, and every kind of bad input
+// (missing, empty or corrupt case, bad option, unavailable path, unreadable background) ends in
+// exactly one "vxrender: ..." line on stderr, a non-zero exit and no picture, never a crash.
+#include "VxTestImage.h"
+#include "VxTestPaths.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int kW = 360;
+constexpr int kH = 240;
+// The background picture's colour, far from tooth, gum and line colours.
+constexpr int kBkR = 20, kBkG = 90, kBkB = 40;
+
+struct RunResult {
+    bool exited = false; // false: killed by a signal
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+std::string ReadText(const std::string& path) {
+    std::ifstream in(path);
+    std::stringstream ss;
+    ss << in.rdbuf();
+    return ss.str();
+}
+
+std::string Quote(const std::string& s) {
+    std::string q = "'";
+    for (char c : s) {
+        q += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    }
+    return q + "'";
+}
+
+class CliRenderTest : public ::testing::Test {
+protected:
+    static std::string Exe() { return VxTestOutputDir() + "/../bin/vxrender"; }
+    static std::string Dir() { return VxTestOutputDir() + "/cli_render"; }
+
+    void SetUp() override {
+        if (!fs::exists(Exe())) {
+            GTEST_SKIP() << "vxrender is not built (VX_BUILD_APPS=OFF or no case tooling)";
+        }
+        fs::create_directories(Dir());
+    }
+
+    static RunResult Run(const std::vector<std::string>& args) {
+        std::string cmd = Quote(Exe());
+        for (const std::string& a : args) {
+            cmd += " " + Quote(a);
+        }
+        const std::string out = Dir() + "/stdout.txt";
+        const std::string err = Dir() + "/stderr.txt";
+        cmd += " >" + Quote(out) + " 2>" + Quote(err);
+        const int raw = std::system(cmd.c_str());
+        RunResult r;
+        r.exited = WIFEXITED(raw);
+        r.status = r.exited ? WEXITSTATUS(raw) : -1;
+        r.out = ReadText(out);
+        r.err = ReadText(err);
+        return r;
+    }
+
+    // Runs and loads the one picture written; fails the test when either does not work.
+    static VxTestImage Render(std::vector<std::string> args, const std::string& name) {
+        const std::string png = Dir() + "/" + name + ".png";
+        fs::remove(png);
+        args.insert(args.end(), {"--size", std::to_string(kW) + "x" + std::to_string(kH), "-o", png,
+                                 "--background", Background()});
+        const RunResult r = Run(args);
+        EXPECT_TRUE(r.exited && r.status == 0) << r.err;
+        EXPECT_EQ(r.out, png + "\n");
+        VxTestImage img;
+        EXPECT_TRUE(VxLoadPng(png, &img)) << png;
+        return img;
+    }
+
+    static std::string Background() {
+        const std::string path = Dir() + "/background.bmp";
+        if (fs::exists(path)) {
+            return path;
+        }
+        const int row = (kW * 3 + 3) & ~3;
+        std::vector<unsigned char> file(54 + static_cast<size_t>(row) * kH, 0);
+        auto put32 = [&](int at, int v) {
+            for (int i = 0; i < 4; ++i) {
+                file[at + i] = static_cast<unsigned char>((v >> (8 * i)) & 0xFF);
+            }
+        };
+        file[0] = 'B';
+        file[1] = 'M';
+        put32(2, static_cast<int>(file.size()));
+        put32(10, 54);
+        put32(14, 40);
+        put32(18, kW);
+        put32(22, kH);
+        file[26] = 1;
+        file[28] = 24;
+        for (int y = 0; y < kH; ++y) {
+            for (int x = 0; x < kW; ++x) {
+                unsigned char* p = &file[54 + static_cast<size_t>(y) * row + x * 3];
+                p[0] = kBkB;
+                p[1] = kBkG;
+                p[2] = kBkR;
+            }
+        }
+        std::ofstream(path, std::ios::binary)
+            .write(reinterpret_cast<const char*>(file.data()), file.size());
+        return path;
+    }
+
+    // Pixels of a rectangle (x, y from the top) that are not the background.
+    static int ModelPixels(const VxTestImage& img, int x0, int y0, int w, int h) {
+        int n = 0;
+        for (int y = y0; y < y0 + h; ++y) {
+            for (int x = x0; x < x0 + w; ++x) {
+                const std::uint8_t* p = img.Pixel(x, y);
+                if (std::abs(p[0] - kBkR) + std::abs(p[1] - kBkG) + std::abs(p[2] - kBkB) > 24) {
+                    ++n;
+                }
+            }
+        }
+        return n;
+    }
+    static int ModelPixels(const VxTestImage& img) { return ModelPixels(img, 0, 0, kW, kH); }
+
+    static int DifferentPixels(const VxTestImage& a, const VxTestImage& b) {
+        EXPECT_EQ(a.width, b.width);
+        EXPECT_EQ(a.height, b.height);
+        int n = 0;
+        for (size_t i = 0; i + 3 < a.rgba.size() && i + 3 < b.rgba.size(); i += 4) {
+            if (std::abs(a.rgba[i] - b.rgba[i]) + std::abs(a.rgba[i + 1] - b.rgba[i + 1]) +
+                    std::abs(a.rgba[i + 2] - b.rgba[i + 2]) >
+                12) {
+                ++n;
+            }
+        }
+        return n;
+    }
+
+    // The failure contract: one line, a non-zero exit, no crash, nothing on stdout.
+    static void ExpectOneErrorLine(const RunResult& r, const std::string& mentions) {
+        EXPECT_TRUE(r.exited) << "killed by a signal";
+        EXPECT_NE(r.status, 0);
+        EXPECT_TRUE(r.out.empty()) << r.out;
+        ASSERT_FALSE(r.err.empty());
+        EXPECT_EQ(r.err.rfind("vxrender: ", 0), 0u) << r.err;
+        EXPECT_EQ(r.err.find('\n'), r.err.size() - 1) << "more than one line: " << r.err;
+        EXPECT_NE(r.err.find(mentions), std::string::npos) << r.err;
+    }
+};
+
+// A view rectangle on screen (y from the top), shrunk away from the layout lines.
+struct Rect {
+    int x, y, w, h;
+};
+Rect Inner(int ox, int oyFromBottom, int w, int h) {
+    const int m = 3;
+    return Rect{ox + m, kH - (oyFromBottom + h) + m, w - 2 * m, h - 2 * m};
+}
+
+} // namespace
+
+TEST_F(CliRenderTest, SingleViewShowsThePatientOnItsBackground) {
+    const VxTestImage img = Render({}, "single");
+    ASSERT_EQ(img.width, kW);
+    ASSERT_EQ(img.height, kH);
+    const int model = ModelPixels(img);
+    // Teeth and gums cover a fair part of the view, and the corners are background.
+    EXPECT_GT(model, kW * kH / 20);
+    EXPECT_LT(model, kW * kH * 9 / 10);
+    EXPECT_EQ(ModelPixels(img, 0, 0, 4, 4), 0);
+    EXPECT_EQ(ModelPixels(img, kW - 4, kH - 4, 4, 4), 0);
+}
+
+TEST_F(CliRenderTest, EveryViewOfTheFiveViewLayoutShowsThePatient) {
+    const VxTestImage img = Render({"--layout", "five"}, "five");
+    // The five-view rectangles: three on top above 3H/5, two below.
+    const int W = kW, H = kH;
+    const std::vector<Rect> views = {
+        Inner(0, 3 * H / 5, W / 3 - 1, 2 * H / 5 - 1),
+        Inner(W / 3 + 1, 3 * H / 5, W / 3 - 1, 2 * H / 5 - 1),
+        Inner(2 * W / 3 + 1, 3 * H / 5, W / 3 - 1, 2 * H / 5 - 1),
+        Inner(0, 0, W / 2 - 1, 3 * H / 5 - 1),
+        Inner(W / 2 + 1, 0, W / 2 - 1, 3 * H / 5 - 1),
+    };
+    for (size_t i = 0; i < views.size(); ++i) {
+        const Rect& r = views[i];
+        EXPECT_GT(ModelPixels(img, r.x, r.y, r.w, r.h), r.w * r.h / 25) << "view " << i;
+    }
+}
+
+TEST_F(CliRenderTest, BothHalvesOfCompareAndJawsLayoutsShowThePatient) {
+    for (const char* layout : {"compare", "jaws"}) {
+        const VxTestImage img = Render({"--layout", layout}, layout);
+        const Rect left = Inner(0, 0, kW / 2, kH);
+        const Rect right = Inner(kW / 2, 0, kW / 2, kH);
+        EXPECT_GT(ModelPixels(img, left.x, left.y, left.w, left.h), left.w * left.h / 25) << layout;
+        EXPECT_GT(ModelPixels(img, right.x, right.y, right.w, right.h), right.w * right.h / 25)
+            << layout;
+    }
+}
+
+TEST_F(CliRenderTest, JawsDisplayModesAndSelectionChangeThePicture) {
+    const VxTestImage both = Render({"--layout", "four"}, "four_both");
+    const VxTestImage upper = Render({"--layout", "four", "--jaws", "upper"}, "four_upper");
+    const VxTestImage lower = Render({"--layout", "four", "--jaws", "lower"}, "four_lower");
+    EXPECT_LT(ModelPixels(upper), ModelPixels(both));
+    EXPECT_LT(ModelPixels(lower), ModelPixels(both));
+    EXPECT_GT(DifferentPixels(upper, lower), kW * kH / 50);
+
+    const VxTestImage solid = Render({}, "mode_solid");
+    const VxTestImage edges = Render({"--display", "edges"}, "mode_edges");
+    const VxTestImage points = Render({"--display", "points"}, "mode_points");
+    const VxTestImage solidEdges = Render({"--display", "solid+edges"}, "mode_solid_edges");
+    // At this size the dense meshes' points and edges cover about what the surfaces cover, so
+    // the modes are told apart by colour, pixel for pixel, not by area.
+    EXPECT_GT(DifferentPixels(solid, edges), kW * kH / 20);
+    EXPECT_GT(DifferentPixels(solid, points), kW * kH / 20);
+    EXPECT_GT(DifferentPixels(edges, points), kW * kH / 20);
+    EXPECT_GT(DifferentPixels(solid, solidEdges), 100);
+
+    const VxTestImage selected = Render({"--select", "11,21"}, "selected");
+    const VxTestImage highlighted = Render({"--highlight", "11,21"}, "highlighted");
+    EXPECT_GT(DifferentPixels(solid, selected), 50);
+    EXPECT_GT(DifferentPixels(solid, highlighted), 50);
+}
+
+TEST_F(CliRenderTest, AllStepsAreNumberedFramesAndTheTeethMove) {
+    const std::string dir = Dir() + "/steps/";
+    fs::remove_all(dir);
+    const RunResult r = Run({"--step", "all", "--size", "160x100", "-o", dir});
+    ASSERT_TRUE(r.exited && r.status == 0) << r.err;
+    std::vector<std::string> written;
+    std::stringstream ss(r.out);
+    for (std::string line; std::getline(ss, line);) {
+        written.push_back(line);
+    }
+    ASSERT_GE(written.size(), 2u) << "the synthetic plan has more than one step";
+    for (size_t i = 0; i < written.size(); ++i) {
+        char name[64];
+        std::snprintf(name, sizeof name, "single_step%02zu.png", i);
+        EXPECT_EQ(written[i], dir + name);
+        EXPECT_TRUE(fs::exists(written[i]));
+    }
+    VxTestImage first;
+    VxTestImage last;
+    ASSERT_TRUE(VxLoadPng(written.front(), &first));
+    ASSERT_TRUE(VxLoadPng(written.back(), &last));
+    EXPECT_GT(DifferentPixels(first, last), 20);
+
+    // A step the plan does not have.
+    ExpectOneErrorLine(Run({"--step", "9999", "-o", dir + "none.png"}), "--step");
+    EXPECT_FALSE(fs::exists(dir + "none.png"));
+}
+
+TEST_F(CliRenderTest, BadInputGivesOneReadableLine) {
+    const std::string png = Dir() + "/never.png";
+    fs::remove(png);
+    ExpectOneErrorLine(Run({Dir() + "/no/such/case", "-o", png}), "does not exist");
+
+    const std::string empty = Dir() + "/empty_case";
+    fs::create_directories(empty);
+    fs::remove(empty + "/case.json");
+    ExpectOneErrorLine(Run({empty, "-o", png}), "case.json");
+
+    const std::string corrupt = Dir() + "/corrupt_case";
+    fs::create_directories(corrupt);
+    std::ofstream(corrupt + "/case.json") << "{ \"format\": \"vxcase\", \"version\": 1, \n"
+                                          << "  \"teeth\": [ { \"fdi\": \"eleven\" ";
+    ExpectOneErrorLine(Run({corrupt, "-o", png}), "corrupt_case");
+
+    std::ofstream(Dir() + "/not_a_case.txt") << "hello";
+    ExpectOneErrorLine(Run({Dir() + "/not_a_case.txt", "-o", png}), "not a directory");
+
+    RunResult r = Run({"--layout", "six"});
+    ExpectOneErrorLine(r, "--layout");
+    EXPECT_EQ(r.status, 2);
+    r = Run({"--path", "shader", "-o", png});
+    ExpectOneErrorLine(r, "not available");
+    EXPECT_EQ(r.status, 2);
+
+    ExpectOneErrorLine(Run({"--background", Dir() + "/missing.bmp", "-o", png}), "missing.bmp");
+    std::ofstream(Dir() + "/garbage.bmp") << "this is not a picture at all";
+    ExpectOneErrorLine(Run({"--background", Dir() + "/garbage.bmp", "-o", png}), "garbage.bmp");
+    EXPECT_FALSE(fs::exists(png));
+
+    // Help is not an error and lists the options.
+    r = Run({"--help"});
+    EXPECT_EQ(r.status, 0);
+    EXPECT_NE(r.out.find("--layout"), std::string::npos);
+    EXPECT_TRUE(r.err.empty());
+}
