@@ -40,7 +40,9 @@ fi
 
 "$build/bin/vxinfo" | sed -n '1,6p'
 mkdir -p out
-"$build/bin/vxrender" --layout five --size 1600x1000 -o out/five.png -q
+# The synthetic patient is also written out as a case directory: an example of the format and a
+# starting point for a case made by hand.
+"$build/bin/vxrender" --layout five --size 1600x1000 -o out/five.png -q --write-case out/synthetic-case
 "$build/bin/vxrender" --layout compare --size 1600x800 -o out/compare.png -q
 "$build/bin/vxrender" --layout single --size 1280x800 --select 11,21 -o out/single.png -q
 echo
@@ -48,4 +50,5 @@ echo "Pictures of the synthetic patient:"
 for f in out/five.png out/compare.png out/single.png; do
   echo "  $(pwd)/$f"
 done
+echo "The synthetic patient as a case directory: $(pwd)/out/synthetic-case/case.json"
 echo "Render your own: $build/bin/vxrender --help    Interactive: $build/bin/vxview (needs X11)"

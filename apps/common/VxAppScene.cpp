@@ -26,6 +26,7 @@
 #include <interfaces/VxJaw.h>
 #include <interfaces/VxModel.h>
 #include <interfaces/VxTooth.h>
+#include <interfaces/VxTransformMatrix.h>
 #include <interfaces/VxVertex.h>
 #include <interfaces/VxXForm.h>
 #include <platform/VxGLContext.h>
@@ -202,6 +203,7 @@ void VxAppScene::SetLayout(VxAppLayout layout) {
         }
         m_layout = layout;
     }
+    ApplyComparePlacements(m_layout == VxAppLayout::Compare);
     m_layoutMasks.clear();
     for (VxViewRegion* v : views->GetAllViews()) {
         m_layoutMasks.push_back(v->GetUpDownSelec());
@@ -412,5 +414,33 @@ void VxAppScene::ClearSelection() {
     for (VxEntity* e : entities) {
         e->SetSelected(0);
         e->SetHighLight(0);
+    }
+}
+
+void VxAppScene::ApplyComparePlacements(bool compare) {
+    if (!m_case) {
+        return;
+    }
+    // The compare layout's right view draws only the placements flagged as limit positions, and
+    // draws them opaque: the host says what "final" means by flagging it. Here it is the plan's
+    // last step, added to every step's placements while the layout is up; leaving the layout
+    // puts the case's own placements back.
+    VxTransformMatrix* tm = VxTransformMatrix::GetInstance();
+    for (const auto& [entity, steps] : m_case->placements) {
+        if (steps.empty()) {
+            continue;
+        }
+        const std::set<DrawInfo_s>& last = steps.rbegin()->second;
+        for (const auto& [step, infos] : steps) {
+            std::set<DrawInfo_s> shown = infos;
+            if (compare) {
+                for (const DrawInfo_s& d : last) {
+                    if (!d.limited) {
+                        shown.insert(DrawInfo_s(true, d.matrix));
+                    }
+                }
+            }
+            tm->SetDrawInfos(const_cast<VxEntity*>(entity), step, shown);
+        }
     }
 }

@@ -78,6 +78,8 @@ public:
     // The view under a pixel (y from the top), or the active one.
     VxViewRegion* ViewAt(const CPoint& pixel) const;
     VxOpenGLRender* Render() const;
+    // Adds the plan's final placements as limit positions while the compare layout is up.
+    void ApplyComparePlacements(bool compare);
 
 private:
     void ApplyJaws();

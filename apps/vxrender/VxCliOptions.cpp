@@ -185,6 +185,14 @@ const std::vector<Option>& Options() {
              o.seed = static_cast<unsigned>(s);
              return std::string();
          }},
+        {"--write-case", nullptr, true,
+         [](const std::string& v, VxCliOptions& o) {
+             if (v.empty()) {
+                 return std::string("needs a directory name");
+             }
+             o.writeCase = v;
+             return std::string();
+         }},
         {"--quiet", "-q", false,
          [](const std::string&, VxCliOptions& o) {
              o.quiet = true;
@@ -369,6 +377,8 @@ std::string VxCliHelpText() {
          "                         receives <layout>.png; several steps add _stepNN to the name\n"
          "                         (default vxrender_<layout>.png in the working directory)\n"
          "      --seed N           seed of the synthetic patient (default 1)\n"
+         "      --write-case DIR   also save the case as a case directory (case.json, meshes,\n"
+         "                         pictures); with no CASE_DIR this writes the synthetic patient\n"
          "  -q, --quiet            do not list the pictures written\n"
          "  -h, --help             show this text and exit\n"
          "\n"

@@ -10,6 +10,8 @@
 // checked here, not by the parser.
 #include "VxCliRender.h"
 
+#include <VxCaseIO.h>
+
 #include "VxAppCase.h"
 #include "VxAppScene.h"
 
@@ -71,6 +73,16 @@ int VxCliRender(const VxCliOptions& options, std::string& error) {
     std::unique_ptr<VxCase> c = VxAppLoadCase(options.caseDir, options.seed, error);
     if (!c) {
         return 1;
+    }
+    if (!options.writeCase.empty()) {
+        std::string writeError;
+        if (!VxCaseIO::Write(*c, options.writeCase, writeError)) {
+            error = "--write-case: " + writeError;
+            return 1;
+        }
+        if (!options.quiet) {
+            std::printf("%s/case.json\n", options.writeCase.c_str());
+        }
     }
 
     std::unique_ptr<VxNativeWindow> window =

@@ -165,17 +165,17 @@ void VxViewManager::SwitchToMultiView(VxModel& model) {
 
     view0->Set(CPoint(0, H / 2), W / 2, H / 2);
 
-    struct Spec {
+    struct NewViewPlan {
         CPoint origin;
         FixedView rotation;
     };
-    const Spec specs[3] = {{CPoint(W / 2 + 1, H / 2), View_Front},
+    const NewViewPlan plans[3] = {{CPoint(W / 2 + 1, H / 2), View_Front},
                            {CPoint(0, 0), View_Left},
                            {CPoint(W / 2 + 1, 0), View_Right}};
     for (int i = 0; i < 3; ++i) {
-        VxViewRegion* view = NewView(specs[i].origin, W / 2, H / 2, i + 1);
+        VxViewRegion* view = NewView(plans[i].origin, W / 2, H / 2, i + 1);
         VxXForm& xf = view->GetXForm();
-        xf.SetRotation(GetFixedMatrix(specs[i].rotation) * R);
+        xf.SetRotation(GetFixedMatrix(plans[i].rotation) * R);
         xf.SetScale(scale);
         xf.SetTranslation(translation);
         view->SelectJawShow(Display_Selec_All);
@@ -207,26 +207,26 @@ void VxViewManager::SwitchTo5View(VxModel& model) {
     view0->GetXForm().SetRotation(GetFixedMatrix(View_Left) * R);
     view0->SelectJawShow(Display_Selec_All);
 
-    struct Spec {
+    struct NewViewPlan {
         CPoint origin;
         int width;
         int height;
         FixedView rotation;
         Display_Selec show;
     };
-    const Spec specs[4] = {
+    const NewViewPlan plans[4] = {
         {CPoint(W / 3 + 1, 3 * H / 5), W / 3 - 1, 2 * H / 5 - 1, View_Front, Display_Selec_All},
         {CPoint(2 * W / 3 + 1, 3 * H / 5), W / 3 - 1, 2 * H / 5 - 1, View_Right, Display_Selec_All},
         {CPoint(0, 0), W / 2 - 1, 3 * h0 / 5 - 1, View_OcclusalUpper, Display_Selec_Upper},
         {CPoint(W / 2 + 1, 0), W / 2 - 1, 3 * h0 / 5 - 1, View_OcclusalLower, Display_Selec_Lower}};
     for (int i = 0; i < 4; ++i) {
         const int id = i + 1;
-        VxViewRegion* view = NewView(specs[i].origin, specs[i].width, specs[i].height, id);
+        VxViewRegion* view = NewView(plans[i].origin, plans[i].width, plans[i].height, id);
         VxXForm& xf = view->GetXForm();
-        xf.SetRotation(GetFixedMatrix(specs[i].rotation) * R);
+        xf.SetRotation(GetFixedMatrix(plans[i].rotation) * R);
         xf.SetScale(scale);
         xf.SetTranslation(translation);
-        view->SelectJawShow(specs[i].show);
+        view->SelectJawShow(plans[i].show);
         // The occlusal views are squared on the arch before they join the list, while view 0 is
         // still the active view whose matrices the look-at maps through.
         if (hasJaw && id == 3) {

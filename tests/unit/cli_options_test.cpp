@@ -220,6 +220,8 @@ TEST(CliOptionsTest, MalformedCommandLines) {
     EXPECT_TRUE(Contains(ErrorOf({"--seed", "-1"}), "--seed"));
     EXPECT_TRUE(Contains(ErrorOf({"--seed", "4294967296"}), "--seed"));
     EXPECT_EQ(Parse({"--seed", "4294967295"}).options.seed, 4294967295u);
+    EXPECT_EQ(Parse({"--write-case", "cases/synthetic"}).options.writeCase, "cases/synthetic");
+    EXPECT_TRUE(Contains(ErrorOf({"--write-case", ""}), "--write-case"));
     // After "--" a name that starts with a dash is a case directory.
     const Parsed p = Parse({"--", "-odd-name"});
     ASSERT_TRUE(Runs(p));
@@ -240,7 +242,7 @@ TEST(CliOptionsTest, HelpTextExplainsEveryOptionAndChoice) {
          {"--size",       "-s,",    "--layout", "-l,",     "--path",   "--display",
           "-d,",          "--jaws", "-j,",      "--step",  "--select", "--highlight",
           "--background", "-b,",    "--output", "-o,",     "--seed",   "--quiet",
-          "-q,",          "--help", "-h,",      "CASE_DIR"}) {
+          "-q,",          "--help", "-h,",      "CASE_DIR", "--write-case"}) {
         EXPECT_TRUE(Contains(help, name)) << name;
     }
     for (const char* word :

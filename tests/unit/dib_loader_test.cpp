@@ -27,7 +27,7 @@ struct Rgb {
     uint8_t r, g, b;
 };
 
-struct Spec {
+struct BmpCase {
     int width = 1;
     int height = 1;
     int bpp = 24;
@@ -63,7 +63,7 @@ Rgb PaletteEntry(uint32_t i) {
     return {uint8_t(i * 7 + 1), uint8_t(i * 13 + 50), uint8_t(255 - i * 3)};
 }
 
-uint32_t TableEntries(const Spec& s) {
+uint32_t TableEntries(const BmpCase& s) {
     if (s.colorsUsed) {
         return s.colorsUsed;
     }
@@ -71,7 +71,7 @@ uint32_t TableEntries(const Spec& s) {
 }
 
 // raw(x, y), y counted from the bottom: a palette index, or the packed pixel value of the depth.
-Bytes WriteBmp(const Spec& s, const std::function<uint32_t(int, int)>& raw) {
+Bytes WriteBmp(const BmpCase& s, const std::function<uint32_t(int, int)>& raw) {
     const bool core = s.kind == Kind::Core;
     const uint32_t headerSize = uint32_t(s.kind);
     const bool masksAfter = s.kind == Kind::Info && s.compression == 3;
@@ -191,7 +191,7 @@ uint8_t Widen(uint32_t v, int bits) {
 }
 
 // The reference: what each raw value must decode to, for the spec's depth and masks.
-Rgb Expected(const Spec& s, uint32_t v) {
+Rgb Expected(const BmpCase& s, uint32_t v) {
     if (s.bpp <= 8) {
         return PaletteEntry(v);
     }
@@ -219,7 +219,7 @@ Rgb Expected(const Spec& s, uint32_t v) {
     return {out[0], out[1], out[2]};
 }
 
-std::function<uint32_t(int, int)> PatternFor(const Spec& s) {
+std::function<uint32_t(int, int)> PatternFor(const BmpCase& s) {
     if (s.bpp <= 8) {
         const uint32_t n = std::min(TableEntries(s), 1u << s.bpp);
         return [n](int x, int y) { return PatternIndex(x, y, n); };
@@ -234,7 +234,7 @@ std::function<uint32_t(int, int)> PatternFor(const Spec& s) {
     return Pattern24;
 }
 
-Bytes ExpectedPixels(const Spec& s) {
+Bytes ExpectedPixels(const BmpCase& s) {
     const auto raw = PatternFor(s);
     Bytes out;
     for (int y = 0; y < s.height; ++y) {
@@ -248,11 +248,11 @@ Bytes ExpectedPixels(const Spec& s) {
     return out;
 }
 
-Bytes Write(const Spec& s) {
+Bytes Write(const BmpCase& s) {
     return WriteBmp(s, PatternFor(s));
 }
 
-std::string Describe(const Spec& s) {
+std::string Describe(const BmpCase& s) {
     return "kind " + std::to_string(int(s.kind)) + " bpp " + std::to_string(s.bpp) + " " +
            std::to_string(s.width) + "x" + std::to_string(s.height) +
            (s.topDown ? " top-down" : "") + (s.fileHeader ? "" : " packed") + " compression " +
@@ -273,7 +273,7 @@ protected:
     void TearDown() override { VxMessageSink::Reset(); }
 
     // Decodes from memory and checks the record against the reference, with no message.
-    void ExpectDecodes(const Spec& s) {
+    void ExpectDecodes(const BmpCase& s) {
         SCOPED_TRACE(Describe(s));
         const Bytes file = Write(s);
         messages.clear();
@@ -316,7 +316,7 @@ TEST_F(DIBLoaderTest, DecodesEveryDepthWithEveryHeaderKind) {
             // 32-bit word of 1-bit pixels.
             for (int width : {1, 2, 3, 5, 7, 33}) {
                 for (int height : {1, 4}) {
-                    Spec s;
+                    BmpCase s;
                     s.kind = kind;
                     s.bpp = bpp;
                     s.width = width;
@@ -343,7 +343,7 @@ TEST_F(DIBLoaderTest, BitfieldMasksChooseTheChannels) {
         {Kind::V5, 32, 0x3FF00000, 0x000FFC00, 0x000003FF}, // 10 bits a channel
     };
     for (const Case& c : cases) {
-        Spec s;
+        BmpCase s;
         s.kind = c.kind;
         s.bpp = c.bpp;
         s.compression = 3;
@@ -358,7 +358,7 @@ TEST_F(DIBLoaderTest, BitfieldMasksChooseTheChannels) {
 
 TEST_F(DIBLoaderTest, TopDownRowsComeOutBottomUp) {
     for (int bpp : {1, 8, 24, 32}) {
-        Spec s;
+        BmpCase s;
         s.bpp = bpp;
         s.width = 6;
         s.height = 5;
@@ -368,7 +368,7 @@ TEST_F(DIBLoaderTest, TopDownRowsComeOutBottomUp) {
 }
 
 TEST_F(DIBLoaderTest, PaletteSizeAndBitsOffset) {
-    Spec s;
+    BmpCase s;
     s.bpp = 8;
     s.width = 7;
     s.height = 3;
@@ -379,7 +379,7 @@ TEST_F(DIBLoaderTest, PaletteSizeAndBitsOffset) {
     s.kind = Kind::V5;
     ExpectDecodes(s);
 
-    Spec four;
+    BmpCase four;
     four.bpp = 4;
     four.width = 3;
     four.height = 2;
@@ -389,7 +389,7 @@ TEST_F(DIBLoaderTest, PaletteSizeAndBitsOffset) {
 
     // A 24-bit image may carry a colour table it does not use; without a file header the bits
     // follow it.
-    Spec direct;
+    BmpCase direct;
     direct.bpp = 24;
     direct.width = 3;
     direct.height = 2;
@@ -398,7 +398,7 @@ TEST_F(DIBLoaderTest, PaletteSizeAndBitsOffset) {
     ExpectDecodes(direct);
 
     // With a file header its bits offset is what counts, junk between table and bits or not.
-    Spec gap;
+    BmpCase gap;
     gap.bpp = 8;
     gap.width = 2;
     gap.height = 2;
@@ -407,7 +407,7 @@ TEST_F(DIBLoaderTest, PaletteSizeAndBitsOffset) {
     ExpectDecodes(gap);
 
     // A colours-used count above what the depth can index is accepted.
-    Spec big;
+    BmpCase big;
     big.bpp = 1;
     big.width = 9;
     big.height = 2;
@@ -418,7 +418,7 @@ TEST_F(DIBLoaderTest, PaletteSizeAndBitsOffset) {
 TEST_F(DIBLoaderTest, PackedDibWithoutFileHeader) {
     for (Kind kind : {Kind::Core, Kind::Info, Kind::V5}) {
         for (int bpp : {1, 4, 8, 24}) {
-            Spec s;
+            BmpCase s;
             s.kind = kind;
             s.bpp = bpp;
             s.width = 3;
@@ -430,7 +430,7 @@ TEST_F(DIBLoaderTest, PackedDibWithoutFileHeader) {
 }
 
 TEST_F(DIBLoaderTest, LastRowWithoutPaddingIsAccepted) {
-    Spec s;
+    BmpCase s;
     s.width = 5;
     s.height = 3;
     s.padLastRow = false;
@@ -440,7 +440,7 @@ TEST_F(DIBLoaderTest, LastRowWithoutPaddingIsAccepted) {
 }
 
 TEST_F(DIBLoaderTest, LargestDimensionAcceptedOneMoreRejected) {
-    Spec s;
+    BmpCase s;
     s.width = kDIBMaxDimension;
     s.height = 1;
     s.bpp = 1;
@@ -455,7 +455,7 @@ TEST_F(DIBLoaderTest, LargestDimensionAcceptedOneMoreRejected) {
     ExpectRejected(wide, kConversion, "width over the cap");
 
     // Both sides within the cap, their product over it, all bits present (8 MiB at 1 bit).
-    Spec row;
+    BmpCase row;
     row.bpp = 1;
     row.width = kDIBMaxDimension;
     Bytes many = Write(row);
@@ -468,7 +468,7 @@ TEST_F(DIBLoaderTest, LargestDimensionAcceptedOneMoreRejected) {
 // Every prefix of a valid file, cut before its last pixel, is rejected: before the end of the
 // header as an unknown format, after it as a conversion error.
 TEST_F(DIBLoaderTest, EveryTruncationIsRejected) {
-    Spec s;
+    BmpCase s;
     s.bpp = 8;
     s.width = 5;
     s.height = 3;
@@ -487,7 +487,7 @@ TEST_F(DIBLoaderTest, EveryTruncationIsRejected) {
 }
 
 TEST_F(DIBLoaderTest, HostileHeadersAreRejected) {
-    Spec s;
+    BmpCase s;
     s.bpp = 8;
     s.width = 4;
     s.height = 3;
@@ -551,7 +551,7 @@ TEST_F(DIBLoaderTest, HostileHeadersAreRejected) {
     }
 
     // Bits that would overlap the headers; 24 bits, so no palette check can catch it instead.
-    Spec direct;
+    BmpCase direct;
     direct.width = 2;
     direct.height = 2;
     for (uint32_t offset : {0u, 20u, 53u}) {
@@ -581,7 +581,7 @@ TEST_F(DIBLoaderTest, HostileMasksAreRejected) {
         {"mask above 16 bits", Kind::Info, 16, 0x1F0000, 0x7E0, 0x1F},
     };
     for (const Case& c : cases) {
-        Spec s;
+        BmpCase s;
         s.kind = c.kind;
         s.bpp = c.bpp;
         s.compression = 3;
@@ -633,7 +633,7 @@ protected:
 };
 
 TEST_F(DIBLoaderFileTest, LoadsWithEitherSeparatorAndAWideName) {
-    Spec s;
+    BmpCase s;
     s.bpp = 8;
     s.width = 3;
     s.height = 2;
