@@ -15,18 +15,18 @@ cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DVX_BUILD_TESTS=OFF 
   "${launcher[@]}" >/dev/null
 jobs=$(nproc)
 [ "$jobs" -gt 2 ] && jobs=2
-cmake --build "$build" --target bench_frame bench_case -j"$jobs"
+cmake --build "$build" --target bench_frame bench_case bench_material_ini -j"$jobs"
 
 export LIBGL_ALWAYS_SOFTWARE=${LIBGL_ALWAYS_SOFTWARE:-1}
 results="$build/bench-results"
 mkdir -p "$results"
-for b in frame case; do
+for b in frame case material_ini; do
   echo "running bench_$b ..."
   "$build/bin/bench_$b" --benchmark_out="$results/$b.json" --benchmark_out_format=json \
     --benchmark_format=console >"$results/$b.txt" 2>&1 || { cat "$results/$b.txt"; exit 1; }
 done
 
-python3 - "$results/frame.json" "$results/case.json" <<'PY'
+python3 - "$results/frame.json" "$results/case.json" "$results/material_ini.json" <<'PY'
 import json, sys
 
 rows = {}
@@ -52,19 +52,22 @@ what = [
     ("BM_GenerateSynthetic", "generate the synthetic patient"),
     ("BM_WriteCase", "write it as a case directory"),
     ("BM_ReadCase", "read that case (VxCaseIO::Read)"),
+    ("BM_ToothIniUnchanged", "tooth colour INI read per draw, file unchanged"),
+    ("BM_ToothIniParsedEveryTime", "the same read parsing the file every time"),
+    ("BM_ToothIniMissing", "the same read with no file"),
 ]
 print()
-print(f"{'benchmark':<22} {'wall ms':>10} {'cpu ms':>10}  what")
+print(f"{'benchmark':<28} {'wall ms':>10} {'cpu ms':>10}  what")
 print("-" * 96)
 for name, text in what:
     r = rows.get(name)
     if r is None:
-        print(f"{name:<22} {'-':>10} {'-':>10}  {text} (not run)")
+        print(f"{name:<28} {'-':>10} {'-':>10}  {text} (not run)")
     elif "error" in r:
-        print(f"{name:<22} {'error':>10} {'':>10}  {text}: {r['error']}")
+        print(f"{name:<28} {'error':>10} {'':>10}  {text}: {r['error']}")
     else:
         extra = ", ".join(f"{k} {v:,.0f}" for k, v in r["extra"].items())
-        print(f"{name:<22} {r['wall']:>10.3f} {r['cpu']:>10.3f}  {text}" + (f" [{extra}]" if extra else ""))
+        print(f"{name:<28} {r['wall']:>10.4f} {r['cpu']:>10.3f}  {text}" + (f" [{extra}]" if extra else ""))
 
 def ratio(a, b, text):
     ra, rb = rows.get(a), rows.get(b)
@@ -79,6 +82,8 @@ ratio("BM_FullFrame", "BM_BareLoop", "library frame / bare loop (the library's o
 for pick in ("BM_PickTooth", "BM_PickVertex", "BM_PickEdge"):
     ratio(pick, "BM_FullFrame", f"{pick[7:].lower()} pick / one full frame")
 ratio("BM_ReadCase", "BM_GenerateSynthetic", "read the case / generate it")
+ratio("BM_ToothIniUnchanged", "BM_ToothIniParsedEveryTime", "INI read with the change check / parsing every time")
+ratio("BM_ToothIniUnchanged", "BM_FullFrame", "one INI read / one full frame")
 print()
 print("cpu ms is the benchmark thread's own time; llvmpipe rasterises on threads of its own, which only wall ms includes.")
 PY
