@@ -190,7 +190,7 @@ uint8_t Widen(uint32_t v, int bits) {
     return uint8_t(v >> (bits - 8));
 }
 
-// The reference: what each raw value must decode to, for the spec's depth and masks.
+// The reference: what each raw value must decode to, for the depth and masks the file declares.
 Rgb Expected(const BmpCase& s, uint32_t v) {
     if (s.bpp <= 8) {
         return PaletteEntry(v);
