@@ -36,7 +36,10 @@ double TipZ(bool upper, int position) {
 double Proclination(bool upper, int position) {
     static const double kUpper[7] = {0.28, 0.22, 0.1, 0, 0, 0, 0};
     static const double kLower[7] = {0.15, 0.12, 0.05, 0, 0, 0, 0};
-    return (upper ? kUpper : kLower)[position - 1];
+    // Through a pointer: the subscript of a conditional between the arrays themselves was
+    // miscompiled by GCC 12 under AddressSanitizer.
+    const double* table = upper ? kUpper : kLower;
+    return table[position - 1];
 }
 
 VxVector Unit(const VxVector& v) {

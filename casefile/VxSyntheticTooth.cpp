@@ -365,7 +365,10 @@ VxToothDesign VxSyntheticTooth::Design(int fdi, VxSyntheticRandom& rng) {
                                    {6.8, 7.6, 11.0, 16.0, 1}, {7.0, 7.6, 8.5, 14.0, 1},
                                    {7.2, 8.2, 8.0, 14.5, 1},  {11.2, 10.4, 7.5, 14.0, 2},
                                    {10.6, 10.0, 7.0, 13.0, 2}};
-    const Size& s = (d.upper ? kUpper : kLower)[fdi % 10 - 1];
+    // Chosen as a pointer: GCC 12 with AddressSanitizer computed wrong addresses for the
+    // subscript of a conditional between the two arrays themselves.
+    const Size* table = d.upper ? kUpper : kLower;
+    const Size& s = table[fdi % 10 - 1];
     d.width = s.w * (1.0 + rng.Uniform(-0.03, 0.03));
     d.thickness = s.t * (1.0 + rng.Uniform(-0.03, 0.03));
     d.crownHeight = s.h * (1.0 + rng.Uniform(-0.03, 0.03));

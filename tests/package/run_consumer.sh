@@ -6,8 +6,21 @@ set -euo pipefail
 src=$1 build=$2 scratch=$3
 rm -rf "$scratch"
 mkdir -p "$scratch"
-cmake --install "$build" --prefix "$scratch/prefix" >/dev/null
-cmake -S "$src/examples/minimal_host" -B "$scratch/host" -G Ninja \
-      -DCMAKE_PREFIX_PATH="$scratch/prefix" -DCMAKE_BUILD_TYPE=Release >/dev/null
-cmake --build "$scratch/host" >/dev/null
+log="$scratch/steps.log"
+step() {
+  if ! "$@" >>"$log" 2>&1; then
+    echo "run_consumer: failed: $*" >&2
+    tail -n 40 "$log" >&2
+    exit 1
+  fi
+}
+# A sanitizer build's library needs its runtime in the host too.
+flags=$(sed -n 's/^CMAKE_CXX_FLAGS:STRING=//p' "$build/CMakeCache.txt")
+if grep -q '^VX_ENABLE_ASAN:BOOL=ON' "$build/CMakeCache.txt"; then
+  flags="$flags -fsanitize=address,undefined"
+fi
+step cmake --install "$build" --prefix "$scratch/prefix"
+step cmake -S "$src/examples/minimal_host" -B "$scratch/host" -G Ninja \
+     -DCMAKE_PREFIX_PATH="$scratch/prefix" -DCMAKE_BUILD_TYPE=Release "-DCMAKE_CXX_FLAGS=$flags"
+step cmake --build "$scratch/host"
 LD_LIBRARY_PATH="$scratch/prefix/lib:${LD_LIBRARY_PATH:-}" "$scratch/host/minimal_host" "$scratch/five_views.png"
