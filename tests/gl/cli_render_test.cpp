@@ -3,6 +3,8 @@
 // steps, jaws, display modes and the selection change the picture, and every kind of bad input
 // (missing, empty or corrupt case, bad option, unavailable path, unreadable background) ends in
 // exactly one "vxrender: ..." line on stderr, a non-zero exit and no picture, never a crash.
+// Each run costs a context and a case load, so pictures are reused between checks wherever the
+// same options would be rendered twice.
 #include "VxTestImage.h"
 #include "VxTestPaths.h"
 
@@ -49,6 +51,15 @@ std::string Quote(const std::string& s) {
     return q + "'";
 }
 
+// A view rectangle on screen (y from the top), shrunk away from the layout lines.
+struct Rect {
+    int x, y, w, h;
+};
+Rect Inner(int ox, int oyFromBottom, int w, int h) {
+    const int m = 3;
+    return Rect{ox + m, kH - (oyFromBottom + h) + m, w - 2 * m, h - 2 * m};
+}
+
 class CliRenderTest : public ::testing::Test {
 protected:
     static std::string Exe() { return VxTestOutputDir() + "/../bin/vxrender"; }
@@ -70,12 +81,8 @@ protected:
         const std::string err = Dir() + "/stderr.txt";
         cmd += " >" + Quote(out) + " 2>" + Quote(err);
         const int raw = std::system(cmd.c_str());
-        RunResult r;
-        r.exited = WIFEXITED(raw);
-        r.status = r.exited ? WEXITSTATUS(raw) : -1;
-        r.out = ReadText(out);
-        r.err = ReadText(err);
-        return r;
+        const bool exited = WIFEXITED(raw);
+        return RunResult{exited, exited ? WEXITSTATUS(raw) : -1, ReadText(out), ReadText(err)};
     }
 
     // Runs and loads the one picture written; fails the test when either does not work.
@@ -97,8 +104,12 @@ protected:
         if (fs::exists(path)) {
             return path;
         }
-        const int row = (kW * 3 + 3) & ~3;
-        std::vector<unsigned char> file(54 + static_cast<size_t>(row) * kH, 0);
+        // A 24-bit BMP of one colour; kW * 3 is a multiple of 4, so rows need no padding.
+        static_assert(kW * 3 % 4 == 0, "BMP rows would need padding");
+        std::vector<unsigned char> file(54, 0);
+        for (int i = 0; i < kW * kH; ++i) {
+            file.insert(file.end(), {kBkB, kBkG, kBkR});
+        }
         auto put32 = [&](int at, int v) {
             for (int i = 0; i < 4; ++i) {
                 file[at + i] = static_cast<unsigned char>((v >> (8 * i)) & 0xFF);
@@ -113,14 +124,6 @@ protected:
         put32(22, kH);
         file[26] = 1;
         file[28] = 24;
-        for (int y = 0; y < kH; ++y) {
-            for (int x = 0; x < kW; ++x) {
-                unsigned char* p = &file[54 + static_cast<size_t>(y) * row + x * 3];
-                p[0] = kBkB;
-                p[1] = kBkG;
-                p[2] = kBkR;
-            }
-        }
         std::ofstream(path, std::ios::binary)
             .write(reinterpret_cast<const char*>(file.data()), file.size());
         return path;
@@ -140,6 +143,13 @@ protected:
         return n;
     }
     static int ModelPixels(const VxTestImage& img) { return ModelPixels(img, 0, 0, kW, kH); }
+    // Every rectangle has the patient over at least a 25th of it.
+    static void ExpectPatientIn(const VxTestImage& img, const std::vector<Rect>& views) {
+        for (size_t i = 0; i < views.size(); ++i) {
+            const Rect& r = views[i];
+            EXPECT_GT(ModelPixels(img, r.x, r.y, r.w, r.h), r.w * r.h / 25) << "view " << i;
+        }
+    }
 
     static int DifferentPixels(const VxTestImage& a, const VxTestImage& b) {
         EXPECT_EQ(a.width, b.width);
@@ -167,80 +177,55 @@ protected:
     }
 };
 
-// A view rectangle on screen (y from the top), shrunk away from the layout lines.
-struct Rect {
-    int x, y, w, h;
-};
-Rect Inner(int ox, int oyFromBottom, int w, int h) {
-    const int m = 3;
-    return Rect{ox + m, kH - (oyFromBottom + h) + m, w - 2 * m, h - 2 * m};
-}
-
 } // namespace
 
-TEST_F(CliRenderTest, SingleViewShowsThePatientOnItsBackground) {
-    const VxTestImage img = Render({}, "single");
-    ASSERT_EQ(img.width, kW);
-    ASSERT_EQ(img.height, kH);
-    const int model = ModelPixels(img);
+TEST_F(CliRenderTest, EveryLayoutShowsThePatientInEveryView) {
+    const VxTestImage single = Render({}, "single");
+    ASSERT_EQ(single.width, kW);
+    ASSERT_EQ(single.height, kH);
+    const int model = ModelPixels(single);
     // Teeth and gums cover a fair part of the view, and the corners are background.
     EXPECT_GT(model, kW * kH / 20);
     EXPECT_LT(model, kW * kH * 9 / 10);
-    EXPECT_EQ(ModelPixels(img, 0, 0, 4, 4), 0);
-    EXPECT_EQ(ModelPixels(img, kW - 4, kH - 4, 4, 4), 0);
-}
+    EXPECT_EQ(ModelPixels(single, 0, 0, 4, 4), 0);
+    EXPECT_EQ(ModelPixels(single, kW - 4, kH - 4, 4, 4), 0);
 
-TEST_F(CliRenderTest, EveryViewOfTheFiveViewLayoutShowsThePatient) {
-    const VxTestImage img = Render({"--layout", "five"}, "five");
     // The five-view rectangles: three on top above 3H/5, two below.
     const int W = kW, H = kH;
-    const std::vector<Rect> views = {
-        Inner(0, 3 * H / 5, W / 3 - 1, 2 * H / 5 - 1),
-        Inner(W / 3 + 1, 3 * H / 5, W / 3 - 1, 2 * H / 5 - 1),
-        Inner(2 * W / 3 + 1, 3 * H / 5, W / 3 - 1, 2 * H / 5 - 1),
-        Inner(0, 0, W / 2 - 1, 3 * H / 5 - 1),
-        Inner(W / 2 + 1, 0, W / 2 - 1, 3 * H / 5 - 1),
-    };
-    for (size_t i = 0; i < views.size(); ++i) {
-        const Rect& r = views[i];
-        EXPECT_GT(ModelPixels(img, r.x, r.y, r.w, r.h), r.w * r.h / 25) << "view " << i;
-    }
-}
-
-TEST_F(CliRenderTest, BothHalvesOfCompareAndJawsLayoutsShowThePatient) {
+    ExpectPatientIn(Render({"--layout", "five"}, "five"),
+                    {Inner(0, 3 * H / 5, W / 3 - 1, 2 * H / 5 - 1),
+                     Inner(W / 3 + 1, 3 * H / 5, W / 3 - 1, 2 * H / 5 - 1),
+                     Inner(2 * W / 3 + 1, 3 * H / 5, W / 3 - 1, 2 * H / 5 - 1),
+                     Inner(0, 0, W / 2 - 1, 3 * H / 5 - 1),
+                     Inner(W / 2 + 1, 0, W / 2 - 1, 3 * H / 5 - 1)});
     for (const char* layout : {"compare", "jaws"}) {
-        const VxTestImage img = Render({"--layout", layout}, layout);
-        const Rect left = Inner(0, 0, kW / 2, kH);
-        const Rect right = Inner(kW / 2, 0, kW / 2, kH);
-        EXPECT_GT(ModelPixels(img, left.x, left.y, left.w, left.h), left.w * left.h / 25) << layout;
-        EXPECT_GT(ModelPixels(img, right.x, right.y, right.w, right.h), right.w * right.h / 25)
-            << layout;
+        SCOPED_TRACE(layout);
+        ExpectPatientIn(Render({"--layout", layout}, layout),
+                        {Inner(0, 0, W / 2, H), Inner(W / 2, 0, W / 2, H)});
     }
-}
 
-TEST_F(CliRenderTest, JawsDisplayModesAndSelectionChangeThePicture) {
+    // Four views; then each jaw alone covers less, and the two differ.
     const VxTestImage both = Render({"--layout", "four"}, "four_both");
+    ExpectPatientIn(both, {Inner(0, H / 2, W / 2, H / 2), Inner(W / 2 + 1, H / 2, W / 2, H / 2),
+                           Inner(0, 0, W / 2, H / 2), Inner(W / 2 + 1, 0, W / 2, H / 2)});
     const VxTestImage upper = Render({"--layout", "four", "--jaws", "upper"}, "four_upper");
     const VxTestImage lower = Render({"--layout", "four", "--jaws", "lower"}, "four_lower");
     EXPECT_LT(ModelPixels(upper), ModelPixels(both));
     EXPECT_LT(ModelPixels(lower), ModelPixels(both));
     EXPECT_GT(DifferentPixels(upper, lower), kW * kH / 50);
 
-    const VxTestImage solid = Render({}, "mode_solid");
+    // Display modes and the selection against the solid single view above.
     const VxTestImage edges = Render({"--display", "edges"}, "mode_edges");
     const VxTestImage points = Render({"--display", "points"}, "mode_points");
     const VxTestImage solidEdges = Render({"--display", "solid+edges"}, "mode_solid_edges");
     // At this size the dense meshes' points and edges cover about what the surfaces cover, so
     // the modes are told apart by colour, pixel for pixel, not by area.
-    EXPECT_GT(DifferentPixels(solid, edges), kW * kH / 20);
-    EXPECT_GT(DifferentPixels(solid, points), kW * kH / 20);
+    EXPECT_GT(DifferentPixels(single, edges), kW * kH / 20);
+    EXPECT_GT(DifferentPixels(single, points), kW * kH / 20);
     EXPECT_GT(DifferentPixels(edges, points), kW * kH / 20);
-    EXPECT_GT(DifferentPixels(solid, solidEdges), 100);
-
-    const VxTestImage selected = Render({"--select", "11,21"}, "selected");
-    const VxTestImage highlighted = Render({"--highlight", "11,21"}, "highlighted");
-    EXPECT_GT(DifferentPixels(solid, selected), 50);
-    EXPECT_GT(DifferentPixels(solid, highlighted), 50);
+    EXPECT_GT(DifferentPixels(single, solidEdges), 100);
+    EXPECT_GT(DifferentPixels(single, Render({"--select", "11,21"}, "selected")), 50);
+    EXPECT_GT(DifferentPixels(single, Render({"--highlight", "11,21"}, "highlighted")), 50);
 }
 
 TEST_F(CliRenderTest, AllStepsAreNumberedFramesAndTheTeethMove) {
@@ -260,8 +245,7 @@ TEST_F(CliRenderTest, AllStepsAreNumberedFramesAndTheTeethMove) {
         EXPECT_EQ(written[i], dir + name);
         EXPECT_TRUE(fs::exists(written[i]));
     }
-    VxTestImage first;
-    VxTestImage last;
+    VxTestImage first, last;
     ASSERT_TRUE(VxLoadPng(written.front(), &first));
     ASSERT_TRUE(VxLoadPng(written.back(), &last));
     EXPECT_GT(DifferentPixels(first, last), 20);

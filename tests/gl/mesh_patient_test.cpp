@@ -69,23 +69,28 @@ protected:
             patient->Uninstall();
         }
     }
-    static std::map<int, int> StencilHistogram() {
-        std::vector<GLint> v(static_cast<size_t>(kW) * kH);
+    // Renders a frame, saves its picture and reads the stencil back, bottom row first.
+    std::vector<GLint> Render(const std::string& name) {
+        EXPECT_TRUE(render->RenderScene(true));
+        VxTestImage img(kW, kH);
         glPixelStorei(GL_PACK_ALIGNMENT, 1);
+        glReadPixels(0, 0, kW, kH, GL_RGBA, GL_UNSIGNED_BYTE, img.rgba.data());
+        rgba = img.rgba;
+        img.FlipRows();
+        VxWritePng(VxTestOutputDir() + "/" + name + ".png", img);
+        std::vector<GLint> v(static_cast<size_t>(kW) * kH);
         glReadPixels(0, 0, kW, kH, GL_STENCIL_INDEX, GL_INT, v.data());
+        return v;
+    }
+    std::map<int, int> Histogram(const std::string& name) {
         std::map<int, int> h;
-        for (GLint s : v) {
+        for (GLint s : Render(name)) {
             ++h[s];
         }
         return h;
     }
-    static void Save(const std::string& name) {
-        VxTestImage img(kW, kH);
-        glReadPixels(0, 0, kW, kH, GL_RGBA, GL_UNSIGNED_BYTE, img.rgba.data());
-        img.FlipRows();
-        VxWritePng(VxTestOutputDir() + "/" + name + ".png", img);
-    }
 
+    std::vector<std::uint8_t> rgba; // of the last frame, bottom row first
     static inline VxNativeWindow* window = nullptr;
     static inline VxOpenGLRender* render = nullptr;
     static inline bool created = false;
@@ -96,15 +101,11 @@ protected:
 // Seen from above, the upper jaw covers the rest; the mask shows one class at a time.
 TEST_F(MeshPatientTest, EveryKindLandsInTheStencil) {
     VxViewRegion* view = mgr->GetAllViews()[0];
-    ASSERT_TRUE(render->RenderScene(true));
-    Save("mesh_patient_all");
-    EXPECT_GT(StencilHistogram()[4], 500) << "upper jaw on top";
+    EXPECT_GT(Histogram("mesh_patient_all")[4], 500) << "upper jaw on top";
 
     view->SelectJawShow(
         static_cast<Display_Selec>(Display_Selec_UpperTeeth | Display_Selec_LowerTeeth));
-    ASSERT_TRUE(render->RenderScene(true));
-    Save("mesh_patient_teeth");
-    std::map<int, int> h = StencilHistogram();
+    std::map<int, int> h = Histogram("mesh_patient_teeth");
     EXPECT_GT(h[2], 500) << "teeth";
     if (!patient->attachments.empty()) {
         EXPECT_GT(h[6], 0) << "attachments";
@@ -113,9 +114,7 @@ TEST_F(MeshPatientTest, EveryKindLandsInTheStencil) {
 
     view->SelectJawShow(
         static_cast<Display_Selec>(Display_Selec_UpperGum | Display_Selec_LowerGum));
-    ASSERT_TRUE(render->RenderScene(true));
-    Save("mesh_patient_gums");
-    h = StencilHistogram();
+    h = Histogram("mesh_patient_gums");
     EXPECT_GT(h[3], 500) << "gums";
     EXPECT_EQ(h[2] + h[4] + h[5] + h[6], 0);
     for (const auto& tooth : patient->teeth) {
@@ -123,9 +122,7 @@ TEST_F(MeshPatientTest, EveryKindLandsInTheStencil) {
     }
 
     view->SelectJawShow(Display_Selec_Lower);
-    ASSERT_TRUE(render->RenderScene(true));
-    Save("mesh_patient_lower");
-    h = StencilHistogram();
+    h = Histogram("mesh_patient_lower");
     EXPECT_EQ(h[4], 0) << "no upper jaw";
     EXPECT_GT(h[5], 500) << "lower jaw";
     for (const auto& tooth : patient->teeth) {
@@ -138,15 +135,10 @@ TEST_F(MeshPatientTest, EdgesModeAndCompareInitialStep) {
     mgr->GetAllViews()[0]->SelectJawShow(
         static_cast<Display_Selec>(Display_Selec_UpperTeeth | Display_Selec_LowerTeeth));
     VxRenderStatus::GetInstance()->SetDisplayMode(DisplayMode_Edges);
-    ASSERT_TRUE(render->RenderScene(true));
-    Save("mesh_patient_edges");
+    const std::vector<GLint> stencil = Render("mesh_patient_edges");
+    VxRenderStatus::GetInstance()->SetDisplayMode(DisplayMode_Solid);
     // Dense meshes at this size are almost all edge; what matters is that every tooth pixel is
     // an edge pixel, that is black: no face was drawn.
-    std::vector<GLint> stencil(static_cast<size_t>(kW) * kH);
-    std::vector<unsigned char> rgba(static_cast<size_t>(kW) * kH * 4);
-    glPixelStorei(GL_PACK_ALIGNMENT, 1);
-    glReadPixels(0, 0, kW, kH, GL_STENCIL_INDEX, GL_INT, stencil.data());
-    glReadPixels(0, 0, kW, kH, GL_RGBA, GL_UNSIGNED_BYTE, rgba.data());
     int toothPixels = 0, nonBlack = 0;
     for (size_t i = 0; i < stencil.size(); ++i) {
         if (stencil[i] == 2) {
@@ -156,13 +148,10 @@ TEST_F(MeshPatientTest, EdgesModeAndCompareInitialStep) {
     }
     EXPECT_GT(toothPixels, 500);
     EXPECT_EQ(nonBlack, 0);
-    VxRenderStatus::GetInstance()->SetDisplayMode(DisplayMode_Solid);
 
     mgr->SetDisplayMode(Display_Mode_Compare);
     mgr->GetAllViews()[0]->SetDisplayStep(Display_Step_Initial);
-    ASSERT_TRUE(render->RenderScene(true));
-    Save("mesh_patient_compare_initial");
-    EXPECT_GT(StencilHistogram()[2], 500);
+    EXPECT_GT(Histogram("mesh_patient_compare_initial")[2], 500);
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 

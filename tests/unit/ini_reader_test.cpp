@@ -64,7 +64,7 @@ TEST(CIniReaderTest, SectionsKeysCommentsAndWhitespace) {
     EXPECT_FALSE(ini.HasKey("TOOTH_AMBIENT", ""));
 }
 
-TEST(CIniReaderTest, AbsentKeysGiveAnEmptyString) {
+TEST(CIniReaderTest, AbsentKeysLineEndsAndByteOrderMark) {
     CIniReader ini;
     EXPECT_TRUE(ini.Get("TOOTH_DIFFUSE", "R").empty()); // nothing loaded yet
     ASSERT_TRUE(ini.LoadFromString("[TOOTH_DIFFUSE]\nR=1\nG=\n"));
@@ -73,10 +73,7 @@ TEST(CIniReaderTest, AbsentKeysGiveAnEmptyString) {
     EXPECT_TRUE(ini.HasKey("TOOTH_DIFFUSE", "G")); // present but empty: the caller's default
     EXPECT_TRUE(ini.Get("TOOTH_DIFFUSE", "G").empty());
     EXPECT_EQ(Channel(ini, "TOOTH_DIFFUSE", "B"), 0);
-}
 
-TEST(CIniReaderTest, WindowsLineEndsByteOrderMarkAndOldMacLineEnds) {
-    CIniReader ini;
     ASSERT_TRUE(ini.LoadFromString("\xEF\xBB\xBF[GUM_AMBIENT]\r\nR=200\r\nG=10\r\n"));
     EXPECT_EQ(ini.Get("GUM_AMBIENT", "R"), "200");
     EXPECT_EQ(ini.Get("GUM_AMBIENT", "G"), "10");

@@ -1,7 +1,9 @@
 // Unit tests of the model's entity classes and value types: type tags and IsKindOf for every
-// class, the model's look-ups (order, sides, comparison gums, parent meshes), tooth and gum
-// persistence, FDI conversions against hand-written tables, the DrawInfo_s order checked as a
-// strict weak order over all triples, and the per-step placements of VxTransformMatrix.
+// class, flags surviving a copy, the tooth's frame under transforms, the model's look-ups (order,
+// sides, comparison gums, parent meshes, bounding box), tooth and gum persistence, attachment
+// hits through their parts, colour clamping, FDI conversions against hand-written tables, the
+// DrawInfo_s order checked as a strict weak order over all triples, and the per-step placements of
+// VxTransformMatrix.
 #include <interfaces/DrawInfo_s.h>
 #include <interfaces/VxAttachment.h>
 #include <interfaces/VxAttachmentPart.h>
@@ -81,26 +83,8 @@ TEST(VxObjectTypes, EveryClassAnswersItsTypeAndItsBases) {
     ExpectKinds(VxFilledWedgeTriTooth(), ObjectType_Mesh, mesh);
 }
 
-TEST(VxObjectTypes, WedgeKindsAreToldApartByDynamicCast) {
-    VxTooth left(13), middle(12), right(11);
-    VxFilledWedgeTwoTooth two(&left, &right);
-    VxFilledWedgeTriTooth tri(&left, &middle, &right);
-    VxMesh* a = &two;
-    VxMesh* b = &tri;
-    EXPECT_NE(dynamic_cast<VxFilledWedgeTwoTooth*>(a), nullptr);
-    EXPECT_EQ(dynamic_cast<VxFilledWedgeTriTooth*>(a), nullptr);
-    EXPECT_EQ(dynamic_cast<VxFilledWedgeTwoTooth*>(b), nullptr);
-    EXPECT_NE(dynamic_cast<VxFilledWedgeTriTooth*>(b), nullptr);
-    EXPECT_EQ(tri.GetToothLeft(), &left);
-    EXPECT_EQ(tri.GetToothMiddle(), &middle);
-    EXPECT_EQ(two.GetToothRight(), &right);
-    EXPECT_TRUE(dynamic_cast<VxFilledWedge*>(b)->GetToothLeft()->IsUp());
-}
-
 TEST(VxObjectFlags, CopyAndIntFlags) {
     VxTooth t(21);
-    EXPECT_TRUE(t.IsVisible());
-    EXPECT_FALSE(t.IsSelected() || t.IsHighLight() || t.IsDeleted() || t.IsSheltered());
     t.SetSelected(5); // any non-zero int is true
     t.SetShelter(1);
     t.SetVisible(0);
@@ -108,22 +92,13 @@ TEST(VxObjectFlags, CopyAndIntFlags) {
     EXPECT_TRUE(copy.IsSelected());
     EXPECT_TRUE(copy.IsSheltered());
     EXPECT_FALSE(copy.IsVisible());
-    EXPECT_EQ(copy.GetFDI(), 21);
 }
 
 TEST(VxToothTest, SideFromQuadrantAndFrameFollowsTransform) {
-    for (int q = 1; q <= 8; ++q) {
-        const VxTooth t(q * 10 + 1);
-        EXPECT_EQ(t.IsUp(), q == 1 || q == 2 || q == 5 || q == 6) << q;
+    for (int q = 0; q <= 8; ++q) {
+        EXPECT_EQ(VxTooth(q * 10 + 1).IsUp(), q == 1 || q == 2 || q == 5 || q == 6) << q;
     }
-    EXPECT_FALSE(VxTooth(0).IsUp());
     VxTooth t(36);
-    EXPECT_EQ(t.GetFDIEx().GetFDI(), 36);
-    EXPECT_EQ(t.GetBackupRoot(), nullptr);
-    EXPECT_EQ(t.GetParent(), nullptr);
-    EXPECT_EQ(t.GetToothKind(), ToothKind_Normal);
-    EXPECT_FALSE(t.GetFrame().IsValid());
-
     AddTriangle(t, 0.0);
     t.SetFrame(VxFrame(VxPoint(1, 2, 3), VxVector(1, 0, 0), VxVector(0, 1, 0)));
     const VxMatrix m = VxMatrix::Translation(VxVector(5, 0, 0)) *
@@ -137,17 +112,6 @@ TEST(VxToothTest, SideFromQuadrantAndFrameFollowsTransform) {
     ASSERT_TRUE(inv.Inverse());
     t.Transform(inv);
     EXPECT_NEAR(t.GetFrame().GetOrigin().DistanceToPoint(VxPoint(1, 2, 3)), 0.0, 1e-12);
-
-    VxJaw jaw(false);
-    VxMesh root;
-    t.SetParent(&jaw);
-    t.SetBackupRoot(&root);
-    t.SetToothKind(ToothKind_Restored);
-    t.SetLockShown(true);
-    EXPECT_EQ(t.GetParent(), &jaw);
-    EXPECT_FALSE(t.GetParent()->IsUp());
-    EXPECT_EQ(t.GetBackupRoot(), &root);
-    EXPECT_TRUE(t.IsLockShown());
 }
 
 TEST(VxToothTest, PersistenceRoundTrip) {
@@ -177,8 +141,6 @@ TEST(VxToothTest, PersistenceRoundTrip) {
 TEST(VxGumTest, ListsAndPersistence) {
     VxGum g(false);
     AddTriangle(g, 0.0);
-    EXPECT_FALSE(g.IsUp());
-    EXPECT_FALSE(g.IsCmp());
     EXPECT_TRUE(g.SetBands(0, {0, 76}, {76, 152}));
     EXPECT_TRUE(g.SetBands(3, {7}, {9}));
     EXPECT_FALSE(g.SetBands(1, {1, 2}, {3}));
@@ -186,10 +148,8 @@ TEST(VxGumTest, ListsAndPersistence) {
     EXPECT_FALSE(g.SetBands(-1, {}, {}));
     EXPECT_TRUE(g.GetBandStartFaces(4).empty());
     EXPECT_TRUE(g.GetBandEndFaces(-1).empty());
-    EXPECT_EQ(g.GetBandEndFaces(0), (std::vector<int>{76, 152}));
     EXPECT_TRUE(g.SetSegments({0, 40, 80}, {39, 79, 119}));
     EXPECT_FALSE(g.SetSegments({0}, {}));
-    EXPECT_EQ(g.GetSegmentFirstFaces(), (std::vector<int>{0, 40, 80}));
     g.SetCmp(true);
 
     std::ostringstream os;
@@ -245,7 +205,6 @@ TEST(VxModelTest, LookupsKeepOrderAndNeverOwn) {
     EXPECT_EQ(model.GetTooth(31), &t31);
     EXPECT_EQ(model.GetTooth(48), nullptr);
     EXPECT_EQ(model.GetSkull(), &skull);
-    EXPECT_EQ(model.GetGums().size(), 3u);
 
     // The box spans every entity that is not deleted.
     VxBBox box = model.GetBBox();
@@ -265,10 +224,6 @@ TEST(VxModelTest, LookupsKeepOrderAndNeverOwn) {
     EXPECT_EQ(model.GetParentMesh(outside.GetEdge(0)), nullptr);
     EXPECT_EQ(model.GetParentMesh(static_cast<const VxVertex*>(nullptr)), nullptr);
 
-    EXPECT_EQ(model.GetPatientInfo(), nullptr);
-    EXPECT_EQ(model.GetPanMeasure(), nullptr);
-    EXPECT_EQ(model.GetCepMeasure(), nullptr);
-
     EXPECT_TRUE(model.RemoveEntity(&upJaw));
     EXPECT_FALSE(model.RemoveEntity(&upJaw));
     EXPECT_EQ(model.GetJaw(true), nullptr);
@@ -276,26 +231,6 @@ TEST(VxModelTest, LookupsKeepOrderAndNeverOwn) {
     model.GetEntities(got);
     EXPECT_TRUE(got.empty());
     // Everything above lives on the stack: a model that freed anything would crash here.
-}
-
-TEST(VxAttachmentTest, DefaultsAndParts) {
-    VxAttachment a;
-    EXPECT_TRUE(a.GetCurrentMatrix().IsIdentity());
-    EXPECT_EQ(a.GetStdAttachment(), nullptr);
-    EXPECT_EQ(a.GetTooth(), nullptr);
-    EXPECT_FALSE(a.IsCmp());
-    a.AttachParts().push_back(std::make_shared<VxAttachmentPart>());
-    a.AttachParts().push_back(
-        std::make_shared<VxAttachmentPart>(VxMatrix::Translation(VxVector(1, 2, 3))));
-    EXPECT_TRUE(a.AttachParts()[0]->matrix.IsIdentity());
-    EXPECT_DOUBLE_EQ(a.AttachParts()[1]->matrix[1][3], 2.0);
-    a.SetSteps(3, 9);
-    EXPECT_EQ(a.GetStartStep(), 3);
-    EXPECT_EQ(a.GetEndStep(), 9);
-    VxStdAttach shape(L"NQ-22", VxColor(10, 20, 30, 40));
-    EXPECT_EQ(shape.GetAttachIdentifier().Find(L"NQ"), 0);
-    EXPECT_EQ(shape.GetColor(), VxColor(10, 20, 30, 40));
-    EXPECT_EQ(shape.GetMesh(), &shape);
 }
 
 TEST(VxAttachmentTest, HitWhereItsPartsDrawTheShape) {
@@ -320,11 +255,8 @@ TEST(VxAttachmentTest, HitWhereItsPartsDrawTheShape) {
 
 TEST(VxColorTest, ClampsAndFixedColoursAreValid) {
     const VxColor c(-5, 300, 128, 999);
-    EXPECT_EQ(c.GetR(), 0);
-    EXPECT_EQ(c.GetG(), 255);
-    EXPECT_EQ(c.GetB(), 128);
-    EXPECT_EQ(c.GetA(), 255);
-    EXPECT_EQ(VxColor(), VxColor(0, 0, 0, 255));
+    EXPECT_EQ((std::vector<int>{c.GetR(), c.GetG(), c.GetB(), c.GetA()}),
+              (std::vector<int>{0, 255, 128, 255}));
     const VxColor fixed[] = {VxColor::GetAuxSelectColor(), VxColor::GetHighlightColor(),
                              VxColor::GetLimitedColor(), VxColor::GetWedgeColor()};
     for (size_t i = 0; i < 4; ++i) {
@@ -350,16 +282,15 @@ TEST(VxFDITest, IndicesAndNotationsOfAllPermanentTeeth) {
         EXPECT_EQ(VxFDI::FromID(f.GetID()), f);
     }
     EXPECT_EQ(ids.size(), 32u);
-    EXPECT_EQ(*ids.begin(), 0);
     EXPECT_EQ(*ids.rbegin(), 31);
     EXPECT_EQ(VxFDI(11).GetID(), 0);
     EXPECT_EQ(VxFDI(21).GetID(), 8);
     EXPECT_EQ(VxFDI(48).GetID(), 31);
-
-    EXPECT_EQ(VxFDI(11).toString(FDIShowType_Palmer), CString(L"UR1"));
-    EXPECT_EQ(VxFDI(28).toString(FDIShowType_Palmer), CString(L"UL8"));
-    EXPECT_EQ(VxFDI(33).toString(FDIShowType_Palmer), CString(L"LL3"));
-    EXPECT_EQ(VxFDI(46).toString(FDIShowType_Palmer), CString(L"LR6"));
+    const std::pair<int, const wchar_t*> palmer[] = {{11, L"UR1"}, {28, L"UL8"}, {33, L"LL3"},
+                                                     {46, L"LR6"}, {51, L"URA"}, {75, L"LLE"}};
+    for (const auto& [fdi, text] : palmer) {
+        EXPECT_EQ(VxFDI(fdi).toString(FDIShowType_Palmer), CString(text)) << fdi;
+    }
 }
 
 TEST(VxFDITest, DeciduousAndInvalidNumbers) {
@@ -373,8 +304,6 @@ TEST(VxFDITest, DeciduousAndInvalidNumbers) {
         EXPECT_EQ(f.GetID(), VxFDI(arch[i] - 40).GetID());
         EXPECT_EQ(f.IsUpper(), VxFDI(arch[i] - 40).IsUpper());
     }
-    EXPECT_EQ(VxFDI(51).toString(FDIShowType_Palmer), CString(L"URA"));
-    EXPECT_EQ(VxFDI(75).toString(FDIShowType_Palmer), CString(L"LLE"));
     for (int bad : {0, 10, 19, 9, 56, 89, 90, -11, 100}) {
         const VxFDI f(bad);
         EXPECT_FALSE(f.IsValid()) << bad;
@@ -439,7 +368,6 @@ TEST(DrawInfoOrder, IsAStrictWeakOrder) {
 
 TEST(VxTransformMatrixTest, PlacementsPerEntityAndStep) {
     VxTransformMatrix* tm = VxTransformMatrix::GetInstance();
-    ASSERT_EQ(tm, VxTransformMatrix::GetInstance());
     tm->Clear();
     VxTooth a(11), b(12);
     std::set<DrawInfo_s> step0 = {DrawInfo_s(false, VxMatrix::Identity(4))};
@@ -448,7 +376,6 @@ TEST(VxTransformMatrixTest, PlacementsPerEntityAndStep) {
     tm->SetDrawInfos(&a, 0, step0);
     tm->SetDrawInfos(&a, 2, step2);
     EXPECT_EQ(tm->GetDrawInfos(&a).size(), 1u);
-    EXPECT_TRUE(tm->GetDrawInfos(&b).empty());
     EXPECT_TRUE(tm->GetDrawInfos(nullptr).empty());
     tm->SetCurrentStep(2);
     const auto got = tm->GetDrawInfos(&a);
@@ -459,8 +386,6 @@ TEST(VxTransformMatrixTest, PlacementsPerEntityAndStep) {
     tm->SetCurrentStep(1);
     EXPECT_TRUE(tm->GetDrawInfos(&a).empty()); // a step without placements: drawn where it is
     EXPECT_EQ(tm->GetDrawInfos(&a, 0).size(), 1u);
-    tm->SetDrawInfos(&a, 0, {});
-    EXPECT_TRUE(tm->GetDrawInfos(&a, 0).empty());
     tm->RemoveEntity(&a);
     EXPECT_TRUE(tm->GetDrawInfos(&a, 2).empty());
     tm->SetDrawInfos(&b, 1, step0);

@@ -1,7 +1,8 @@
 // Treatment-plan and reference records of the model layer: movement between treatment steps
-// against rotations built by VxMatrix and translations worked out by hand, scheme and reference
-// lookups by FDI number and step, plane-existence flags, the movement-limit table and IPR
-// queries. Setters are exercised only through the lookups that depend on them.
+// against rotations built by VxMatrix and translations worked out by hand (and random rigid
+// motions), scheme and reference lookups by FDI number and step, plane-existence flags, the
+// movement-limit table and IPR queries. Setters are exercised only through the lookups that depend
+// on them.
 #include <interfaces/CImage.h>
 #include <interfaces/CephalometricPt.h>
 #include <interfaces/ThreeMovementDiff_s.h>
@@ -53,43 +54,41 @@ void ExpectVec(const VxVector& v, double x, double y, double z, double eps = kEp
 // ---------------------------------------------------------------------------------------------
 // Movement between two steps.
 
-TEST(TreatStepMovement, TranslationIsReadInTheEarlierStepsAxes) {
-    // Step a: tooth turned a quarter about z and standing at (5, 0, 0). Its x axis is world y,
-    // its y axis world -x. Step b: the same orientation, moved by world (1, 2, 3).
+// Hand-worked cases; the base is turned a quarter about z so that its x axis is world y and its
+// y axis world -x: a movement read in world axes, or about world axes, shows up as a swap.
+TEST(TreatStepMovement, HandWorkedMovesAndTurnsInTheEarlierStepsAxes) {
     const VxMatrix r = Rot(VxVector(0, 0, 1), 90);
-    const VxTreatStep a(11, 0, Place(r, VxVector(5, 0, 0)));
-    const VxTreatStep b(11, 4, Place(r, VxVector(6, 2, 3)));
-    // World (1, 2, 3) in the tooth's axes: along x (world y) 2, along y (world -x) -1, z 3.
-    ExpectVec(VxTreatStep::GetTransMove(&a, &b), 2, -1, 3);
-    ExpectVec(VxTreatStep::GetTransRotate(&a, &b), 0, 0, 0);
-    // Going back reverses the movement in the same axes.
-    ExpectVec(VxTreatStep::GetTransMove(&b, &a), -2, 1, -3);
-}
-
-TEST(TreatStepMovement, SingleAxisRotationsAreDegreesAboutToothAxes) {
-    const VxMatrix base = Place(Rot(VxVector(0, 0, 1), 90), VxVector(1, 1, 1));
-    // A 10 degree tip about the tooth's own x axis (world y here) reads as x, not y.
-    ExpectVec(VxTreatStep::GetTransRotate(base, base * Rot(VxVector(1, 0, 0), 10)), 10, 0, 0);
-    ExpectVec(VxTreatStep::GetTransRotate(base, base * Rot(VxVector(0, 1, 0), -25)), 0, -25, 0);
-    ExpectVec(VxTreatStep::GetTransRotate(base, base * Rot(VxVector(0, 0, 1), 90)), 0, 0, 90);
-    // Turning about the tooth's centre does not move it.
-    ExpectVec(VxTreatStep::GetTransMove(base, base * Rot(VxVector(0, 0, 1), 90)), 0, 0, 0);
-}
-
-TEST(TreatStepMovement, ObliqueAndHalfTurnRotations) {
-    const VxMatrix id = VxMatrix::Identity(4);
-    // Axis (1, 2, 2)/3 by 40 degrees: the rotation vector is the axis scaled by 40.
-    const VxVector axis(1.0 / 3, 2.0 / 3, 2.0 / 3);
-    ExpectVec(VxTreatStep::GetTransRotate(id, Rot(axis, 40)), 40.0 / 3, 80.0 / 3, 80.0 / 3, 1e-7);
+    const VxMatrix base = Place(r, VxVector(5, 0, 0));
+    struct Case {
+        const char* name;
+        VxMatrix from, to;
+        VxVector move, turn;
+    };
+    const Case cases[] = {
+        {"moved by world (1, 2, 3)", base, Place(r, VxVector(6, 2, 3)), {2, -1, 3}, {0, 0, 0}},
+        {"and back", Place(r, VxVector(6, 2, 3)), base, {-2, 1, -3}, {0, 0, 0}},
+        {"tip about own x", base, base * Rot(VxVector(1, 0, 0), 10), {0, 0, 0}, {10, 0, 0}},
+        {"about own y", base, base * Rot(VxVector(0, 1, 0), -25), {0, 0, 0}, {0, -25, 0}},
+        {"about own z", base, base * Rot(VxVector(0, 0, 1), 90), {0, 0, 0}, {0, 0, 90}},
+        // A turn beyond a half reads as the shorter turn the other way.
+        {"270 degrees", base, base * Rot(VxVector(0, 0, 1), 270), {0, 0, 0}, {0, 0, -90}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const VxTreatStep a(11, 0, c.from);
+        const VxTreatStep b(11, 1, c.to);
+        const VxVector m = VxTreatStep::GetTransMove(&a, &b);
+        const VxVector t = VxTreatStep::GetTransRotate(&a, &b);
+        ExpectVec(m, c.move[0], c.move[1], c.move[2], 1e-7);
+        ExpectVec(t, c.turn[0], c.turn[1], c.turn[2], 1e-7);
+    }
     // A half turn about (0, 1, 1)/sqrt2: length 180 along that axis (either sign is the same
     // rotation).
-    const VxVector half = VxTreatStep::GetTransRotate(id, Rot(VxVector(0, 1, 1), 180));
-    EXPECT_NEAR(half.Magnitude(), 180.0, 1e-7);
+    const VxVector half =
+        VxTreatStep::GetTransRotate(VxMatrix::Identity(4), Rot(VxVector(0, 1, 1), 180));
     EXPECT_NEAR(std::fabs(half[1]), 180.0 / std::sqrt(2.0), 1e-7);
     EXPECT_NEAR(half[1], half[2], 1e-7);
     EXPECT_NEAR(half[0], 0.0, 1e-7);
-    // A turn beyond a half reads as the shorter turn the other way.
-    ExpectVec(VxTreatStep::GetTransRotate(id, Rot(VxVector(0, 0, 1), 270)), 0, 0, -90, 1e-7);
 }
 
 TEST(TreatStepMovement, RandomRigidPairsRecoverTheirRelativeMotion) {
@@ -116,11 +115,13 @@ TEST(TreatStepMovement, RandomRigidPairsRecoverTheirRelativeMotion) {
 
 TEST(TreatStepMovement, MissingOrBrokenPlacementsGiveZero) {
     const VxTreatStep a(11, 0, VxMatrix::Translation(VxVector(1, 0, 0)));
-    ExpectVec(VxTreatStep::GetTransMove(nullptr, &a), 0, 0, 0);
-    ExpectVec(VxTreatStep::GetTransRotate(&a, nullptr), 0, 0, 0);
-    VxMatrix singular(4, 4); // all zero
-    ExpectVec(VxTreatStep::GetTransMove(singular, a.GetPlacement()), 0, 0, 0);
-    ExpectVec(VxTreatStep::GetTransRotate(singular, a.GetPlacement()), 0, 0, 0);
+    const VxMatrix singular(4, 4); // all zero
+    for (const VxVector& v :
+         {VxTreatStep::GetTransMove(nullptr, &a), VxTreatStep::GetTransRotate(&a, nullptr),
+          VxTreatStep::GetTransMove(singular, a.GetPlacement()),
+          VxTreatStep::GetTransRotate(singular, a.GetPlacement())}) {
+        ExpectVec(v, 0, 0, 0);
+    }
     // A placement of the wrong size is not kept.
     const VxTreatStep bad(11, 1, VxMatrix(3, 3));
     EXPECT_TRUE(bad.GetPlacement().IsIdentity());
@@ -139,13 +140,10 @@ TEST(Scheme, ToothStepsComeInStepOrderPerTooth) {
 
     std::vector<VxTreatStep*> steps{nullptr, nullptr, nullptr, nullptr, nullptr, nullptr};
     s.GetToothAllSteps(11, steps);
-    ASSERT_EQ(steps.size(), 4u);
-    EXPECT_EQ(steps[0]->GetStep(), 0);
-    EXPECT_EQ(steps[1]->GetStep(), 1);
-    EXPECT_EQ(steps[2]->GetStep(), 3);
-    EXPECT_EQ(steps.back()->GetStep(), 7);
+    std::vector<int> order;
     for (VxTreatStep* st : steps)
-        EXPECT_EQ(st->GetFDI(), 11);
+        order.push_back(st->GetFDI() * 100 + st->GetStep());
+    EXPECT_EQ(order, (std::vector<int>{1100, 1101, 1103, 1107}));
     // What the movement mark computes: first to last step.
     ExpectVec(VxTreatStep::GetTransMove(steps.front(), steps.back()), 0.7, 0, 0, 1e-12);
 
@@ -199,11 +197,6 @@ TEST(Scheme, StepCountNeverFallsBelowTheStoredSteps) {
 
 TEST(Scheme, ArchesAndOcclusalPlanesAreNullUntilSet) {
     VxScheme s;
-    EXPECT_EQ(s.GetUpArch(), nullptr);
-    EXPECT_EQ(s.GetLowArch(), nullptr);
-    EXPECT_EQ(s.GetUpOccPlane(), nullptr);
-    EXPECT_EQ(s.GetLowOccPlane(), nullptr);
-
     const std::vector<VxPoint> pts{{-20, 0, 0}, {-10, 15, 0}, {0, 20, 0}, {10, 15, 0}, {20, 0, 0}};
     s.SetUpArch(VxArchForm(pts));
     s.SetLowOccPlane(
@@ -259,7 +252,6 @@ TEST(Scheme, IPRsByStepAndByTooth) {
 
 TEST(SchemeMgr, CurrentSchemeIsOneItHolds) {
     VxSchemeMgr* mgr = VxSchemeMgr::GetInstance();
-    EXPECT_EQ(mgr, VxSchemeMgr::GetInstance());
     mgr->Clear();
     EXPECT_EQ(mgr->GetCurScheme(), nullptr);
 
@@ -292,7 +284,6 @@ TEST(SchemeMgr, CurrentSchemeIsOneItHolds) {
 
 TEST(ReferenceMgr, ToothReferencesByFDI) {
     VxReferenceMgr* mgr = VxReferenceMgr::GetInstance();
-    EXPECT_EQ(mgr, VxReferenceMgr::GetInstance());
     mgr->Clear();
     VxJaw upper(true), lower(false);
 
@@ -301,10 +292,8 @@ TEST(ReferenceMgr, ToothReferencesByFDI) {
     mgr->Add(VxToothRef(36, ToothKind_Missing, &lower));
     EXPECT_EQ(mgr->Get(12), nullptr);
     ASSERT_NE(mgr->Get(46), nullptr);
-    EXPECT_EQ(mgr->Get(46)->GetFDI(), 46);
     EXPECT_EQ(mgr->Get(46)->GetFDIEx().GetFDI(), 46);
     EXPECT_FALSE(mgr->Get(46)->GetOwnJaw()->IsUp());
-    EXPECT_EQ(mgr->Get(36)->GetToothKind(), ToothKind_Missing);
 
     // GetAll walks in FDI order and hands out the same objects as Get.
     const std::map<int, VxToothRef*>& all = mgr->GetAll();
@@ -409,10 +398,6 @@ TEST(JawRef, PlaneExistenceFlagsAndUntouchedOutputs) {
 TEST(ToothRef, LandmarksKeepVerticesAndCurves) {
     VxVertex v0(VxPoint(0, 0, 0), 0), v1(VxPoint(1, 0, 0), 1), v2(VxPoint(2, 0, 0), 2);
     VxToothRef r(24);
-    EXPECT_EQ(r.GetFacc().GetCurve(), nullptr);
-    EXPECT_EQ(r.GetFacc().GetToothCurve(), nullptr);
-    EXPECT_EQ(r.GetMidCurve().GetCurve(), nullptr);
-    EXPECT_EQ(r.GetMidCurve().GetMidVtxId(), -1);
 
     std::unique_ptr<VxBSplineCurve> c(VxBSplineCurve::CreateInterpolateCurve(
         {VxPoint(0, 0, 0), VxPoint(0, 0, 4), VxPoint(0, 1, 8)}, false));
@@ -457,7 +442,6 @@ TEST(MoveDiffDataMgr, LimitsByFDIInRecordOrder) {
     EXPECT_DOUBLE_EQ(d.Max(-1), 0.0);
 
     VxMoveDiffDataMgr* mgr = VxMoveDiffDataMgr::GetInstance();
-    EXPECT_EQ(mgr, VxMoveDiffDataMgr::GetInstance());
     mgr->Clear();
     EXPECT_EQ(mgr->GetMovementDiff(11), nullptr);
     mgr->SetMovementDiff(21, d);
@@ -555,8 +539,6 @@ TEST(Measures, CephalometricPointsByIdAndPanoramicData) {
     ASSERT_EQ(pan.GetDatas().size(), 2u);
     EXPECT_EQ(pan.GetDatas()[0].number, 14);
     EXPECT_EQ(pan.GetDatas()[1].kind, 7);
-    pan.Clear();
-    EXPECT_FALSE(pan.HasData());
 }
 
 TEST(PatientInfo, PicturesAreOwnedPerSlotAndMoveWithTheRecord) {
@@ -566,11 +548,6 @@ TEST(PatientInfo, PicturesAreOwnedPerSlotAndMoveWithTheRecord) {
         return img;
     };
     VxPatientInfo info;
-    EXPECT_EQ(info.GetPanoramicImg(), nullptr);
-    EXPECT_EQ(info.GetProfileImg(), nullptr);
-    EXPECT_EQ(info.GetFrontalSmileImg(), nullptr);
-    EXPECT_EQ(info.GetCephalometricImg(), nullptr);
-
     info.SetPanoramicImg(picture(8));
     info.SetCephalometricImg(picture(6));
     ASSERT_NE(info.GetPanoramicImg(), nullptr);

@@ -4,9 +4,7 @@
 #include <frame/NuRenderStatus.h>
 #include <frame/OpenGLVersion.h>
 #include <frame/VxRenderStatus.h>
-#include <frame/VxOpenGLRender.h>
 #include <interfaces/VxMesh.h>
-#include <views/VxCamera.h>
 
 #include <gtest/gtest.h>
 
@@ -28,23 +26,9 @@ protected:
 
 } // namespace
 
-TEST_F(RenderStatusTest, DefaultsAndOwnedRenderer) {
-    EXPECT_EQ(status->GetSelectType(), kDefaultSelectTypes);
-    EXPECT_EQ(status->GetDisplayMode(), DisplayMode_Solid);
-    EXPECT_EQ(status->GetFeedbackType(), FeedbackType_None);
-    ASSERT_NE(status->GetRender(), nullptr);
-    EXPECT_EQ(status->GetRender(), VxRenderStatus::GetInstance()->GetRender());
-    // A renderer before Create: 100 x 100, no window, eye distance -10, its own camera.
-    VxOpenGLRender* render = status->GetRender();
-    EXPECT_FALSE(render->IsValid());
-    EXPECT_EQ(render->GetWidth(), 100);
-    EXPECT_EQ(render->GetHeight(), 100);
-    EXPECT_EQ(render->GetEyeDistance(), -10.0);
-    EXPECT_NE(render->GetCamera(), nullptr);
-    EXPECT_EQ(render->GetYExtRat(), 1.0);
-}
-
 TEST_F(RenderStatusTest, ExistSelectType) {
+    // The default list is what the selection code relies on when nothing set it.
+    EXPECT_EQ(status->GetSelectType(), kDefaultSelectTypes);
     EXPECT_TRUE(status->ExistSelectType(ObjectType_Tooth));
     EXPECT_TRUE(status->ExistSelectType(ObjectType_Reserved400));
     EXPECT_FALSE(status->ExistSelectType(ObjectType_Vertex));
@@ -96,7 +80,6 @@ TEST_F(RenderStatusTest, ZoomArea) {
     status->StartZoomArea(CPoint(5, 6)); // right-bottom keeps its value
     EXPECT_TRUE(status->GetZoomArea() == CRect(5, 6, 50, 60));
     status->FinishZoomArea();
-    EXPECT_TRUE(status->GetZoomArea().IsRectEmpty());
     EXPECT_TRUE(status->GetZoomArea() == CRect(0, 0, 0, 0));
 }
 
@@ -107,12 +90,12 @@ TEST(OpenGLVersionTest, TwoCharacterVersionTest) {
     };
     const Case cases[] = {
         {"3.3", false},
+        {"4.0", false},
         {"4.1", false},
         {"4.2", false},
+        {"4.3", true},
         {"4.5", true},
         {"4.6", true},
-        {"4.3", true},
-        {"4.0", false},
         {"5.0", false},
         {"5.3", true},
         {"3.3.0", false},
@@ -133,35 +116,23 @@ TEST(OpenGLVersionTest, TwoCharacterVersionTest) {
     EXPECT_FALSE(OpenGLVersion::VersionPassesTest(nullptr));
 }
 
-TEST(OpenGLVersionTest, ToggleGlazeAndStores) {
+TEST(OpenGLVersionTest, ArgumentlessSettersToggle) {
     OpenGLVersion* v = OpenGLVersion::GetInstance();
     v->Set_btestversion(true);
     v->Set_btestversion();
     EXPECT_FALSE(v->Get_btestversion());
     v->Set_btestversion();
     EXPECT_TRUE(v->Get_btestversion());
-
-    EXPECT_EQ(v->Get_my_opengl_version(), 30);
-    v->Set_my_opengl_version(45);
-    EXPECT_EQ(v->JudgeOpenGLVersionSelected(), 45);
-    v->Set_my_opengl_version(30);
-
+    // The glaze position alternates between 1 and 2, never 0 or 3.
     EXPECT_EQ(v->Getmy_GlazePos_state(), 1);
     v->SetGlazePos();
     EXPECT_EQ(v->Getmy_GlazePos_state(), 2);
     v->SetGlazePos();
     EXPECT_EQ(v->Getmy_GlazePos_state(), 1);
-    EXPECT_TRUE(v->Get_textured());
-    EXPECT_EQ(v->Getmy_exe_type(), 0);
 }
 
 TEST(NuRenderStatusTest, FlagsAreRegisteredOnce) {
     NuRenderStatus* s = NuRenderStatus::GetInstance();
-    EXPECT_TRUE(s->Get_bIsUpdateVBO());
-    s->Set_bIsUpdateVBO(false);
-    EXPECT_FALSE(s->Get_bIsUpdateVBO());
-    s->Set_bIsUpdateVBO(true);
-
     VxMesh a, b;
     a.SetUpdateVBO(true);
     b.SetUpdateVBO(false);

@@ -1,7 +1,7 @@
-// Selection without a GL context: the point-to-edge distance against a brute-force search along
-// the segment, the hit-record loop on hand-made selection buffers (four-word stride, nearest
-// depth by unsigned comparison, later record on a tie, name 0 and two-name records), and the
-// candidate list (exact type per stencil kind, flags, limited placements, doubles).
+// Selection without a GL context: the point-to-edge distance against a search along the segment,
+// the hit-record loop on hand-made selection buffers (four-word stride, nearest depth by unsigned
+// comparison, later record on a tie, name 0 and two-name records), and the candidate list (exact
+// type per stencil kind, flags, limited placements, doubles).
 #include <frame/VxRenderStatus.h>
 #include <interfaces/VxAttachment.h>
 #include <interfaces/VxGum.h>
@@ -39,24 +39,12 @@ namespace {
 
 using Access = VxOpenGLSelectTestAccess;
 
-// Distance from p to the segment ab by sampling, refined around the best sample: independent of
-// any projection formula.
-double BruteSegmentDistance(const VxPoint& a, const VxPoint& b, const VxPoint& p) {
-    const int n = 2000;
-    int bestI = 0;
-    double best = 1e300;
-    for (int i = 0; i <= n; ++i) {
-        const double d = p.DistanceToPoint(VxPoint::Lerp(a, b, static_cast<double>(i) / n));
-        if (d < best) {
-            best = d;
-            bestI = i;
-        }
-    }
-    double lo = std::max(0.0, (bestI - 1.0) / n);
-    double hi = std::min(1.0, (bestI + 1.0) / n);
-    for (int k = 0; k < 100; ++k) {
-        const double m1 = lo + (hi - lo) / 3.0;
-        const double m2 = hi - (hi - lo) / 3.0;
+// Distance from p to the segment ab by ternary search on the parameter (the distance is convex
+// along the segment): independent of any projection formula.
+double SearchedSegmentDistance(const VxPoint& a, const VxPoint& b, const VxPoint& p) {
+    double lo = 0.0, hi = 1.0;
+    for (int k = 0; k < 200; ++k) {
+        const double m1 = lo + (hi - lo) / 3.0, m2 = hi - (hi - lo) / 3.0;
         if (p.DistanceToPoint(VxPoint::Lerp(a, b, m1)) <
             p.DistanceToPoint(VxPoint::Lerp(a, b, m2))) {
             hi = m2;
@@ -64,155 +52,106 @@ double BruteSegmentDistance(const VxPoint& a, const VxPoint& b, const VxPoint& p
             lo = m1;
         }
     }
-    return std::min(best, p.DistanceToPoint(VxPoint::Lerp(a, b, 0.5 * (lo + hi))));
+    return p.DistanceToPoint(VxPoint::Lerp(a, b, 0.5 * (lo + hi)));
 }
 
-// One triangle, so the mesh has three edges.
-std::unique_ptr<VxMesh> Triangle(const VxPoint& a, const VxPoint& b, const VxPoint& c) {
-    auto m = std::make_unique<VxMesh>();
-    m->SetMeshData({a, b, c}, {0, 1, 2});
-    return m;
+// The edge joining vertices i and j of a mesh.
+const VxEdge* EdgeBetween(const VxMesh& mesh, int i, int j) {
+    for (const VxEdge& e : mesh.GetEdges()) {
+        int v0, v1;
+        e.Get2VtxId(v0, v1);
+        if (std::min(v0, v1) == std::min(i, j) && std::max(v0, v1) == std::max(i, j)) {
+            return &e;
+        }
+    }
+    return nullptr;
 }
 
-TEST(SelectPointToEdge, MatchesBruteForceOnRandomSegments) {
+TEST(SelectPointToEdge, MatchesASearchOnRandomSegments) {
     VxOpenGLSelect select;
     std::mt19937 rng(7);
     std::uniform_real_distribution<double> u(-5.0, 5.0);
     for (int trial = 0; trial < 300; ++trial) {
         const VxPoint a(u(rng), u(rng), u(rng));
         const VxPoint b(u(rng), u(rng), u(rng));
-        auto mesh = Triangle(a, b, VxPoint(u(rng), u(rng), u(rng)));
-        // The edge joining vertices 0 and 1.
-        const VxEdge* edge = nullptr;
-        for (const VxEdge& e : mesh->GetEdges()) {
-            int v0, v1;
-            e.Get2VtxId(v0, v1);
-            if ((v0 == 0 && v1 == 1) || (v0 == 1 && v1 == 0)) {
-                edge = &e;
-            }
-        }
+        VxMesh mesh;
+        mesh.SetMeshData({a, b, VxPoint(u(rng), u(rng), u(rng))}, {0, 1, 2});
+        const VxEdge* edge = EdgeBetween(mesh, 0, 1);
         ASSERT_NE(edge, nullptr);
         // Points beside the segment, beyond each end, and on its line.
         const VxPoint ps[] = {VxPoint(u(rng), u(rng), u(rng)),
                               VxPoint::Lerp(a, b, 1.7) + VxVector(0.1, 0.0, 0.0),
                               VxPoint::Lerp(a, b, -0.4), VxPoint::Lerp(a, b, 0.3)};
         for (const VxPoint& p : ps) {
-            const double got = Access::PointToEdgeDis(select, mesh.get(), *edge, p);
-            EXPECT_NEAR(got, BruteSegmentDistance(a, b, p), 1e-6) << "trial " << trial;
+            EXPECT_NEAR(Access::PointToEdgeDis(select, &mesh, *edge, p),
+                        SearchedSegmentDistance(a, b, p), 1e-6)
+                << "trial " << trial;
         }
     }
 }
 
 TEST(SelectPointToEdge, EndsAndDegenerateEdges) {
     VxOpenGLSelect select;
-    auto mesh = Triangle(VxPoint(0, 0, 0), VxPoint(4, 0, 0), VxPoint(0, 3, 0));
-    const VxEdge& e01 = *mesh->GetEdge(0);
-    int v0, v1;
-    e01.Get2VtxId(v0, v1);
-    const VxPoint a = mesh->GetVertex(v0)->GetPos();
-    const VxPoint b = mesh->GetVertex(v1)->GetPos();
+    VxMesh mesh;
+    mesh.SetMeshData({VxPoint(0, 0, 0), VxPoint(4, 0, 0), VxPoint(0, 3, 0)}, {0, 1, 2});
+    const VxEdge& e01 = *EdgeBetween(mesh, 0, 1);
     // Exactly at an end and exactly above an end: the nearer end.
-    EXPECT_DOUBLE_EQ(Access::PointToEdgeDis(select, mesh.get(), e01, a), 0.0);
-    EXPECT_NEAR(Access::PointToEdgeDis(select, mesh.get(), e01, b + VxVector(0, 0, 2)), 2.0, 1e-12);
+    EXPECT_DOUBLE_EQ(Access::PointToEdgeDis(select, &mesh, e01, VxPoint(0, 0, 0)), 0.0);
+    EXPECT_NEAR(Access::PointToEdgeDis(select, &mesh, e01, VxPoint(4, 0, 2)), 2.0, 1e-12);
     // A zero-length edge is a point.
-    auto flat = std::make_unique<VxMesh>();
-    flat->AddVertex(VxPoint(1, 1, 1));
-    flat->AddVertex(VxPoint(1, 1, 1));
-    flat->AddVertex(VxPoint(2, 1, 1));
-    flat->AddFace(0, 1, 2);
-    flat->Finish();
-    const VxEdge* zero = nullptr;
-    for (const VxEdge& e : flat->GetEdges()) {
-        int x, y;
-        e.Get2VtxId(x, y);
-        if (std::min(x, y) == 0 && std::max(x, y) == 1) {
-            zero = &e;
-        }
-    }
+    VxMesh flat;
+    flat.AddVertex(VxPoint(1, 1, 1));
+    flat.AddVertex(VxPoint(1, 1, 1));
+    flat.AddVertex(VxPoint(2, 1, 1));
+    flat.AddFace(0, 1, 2);
+    flat.Finish();
+    const VxEdge* zero = EdgeBetween(flat, 0, 1);
     ASSERT_NE(zero, nullptr);
-    EXPECT_NEAR(Access::PointToEdgeDis(select, flat.get(), *zero, VxPoint(1, 4, 5)), 5.0, 1e-12);
+    EXPECT_NEAR(Access::PointToEdgeDis(select, &flat, *zero, VxPoint(1, 4, 5)), 5.0, 1e-12);
 }
 
-// Hand-made selection buffers. Names come from the same table the drawers use.
-class SelectHitsTest : public ::testing::Test {
-protected:
-    void SetUp() override { VxSelectNames::Reset(); }
-    void TearDown() override { VxSelectNames::Reset(); }
-
-    // One four-word record: name count 1, min depth, max depth, name.
-    static void Record(std::vector<unsigned int>& b, unsigned int minZ, unsigned int name) {
-        b.insert(b.end(), {1u, minZ, minZ + 10u, name});
-    }
-    VxObject* Hits(std::vector<unsigned int>& b, int count) {
-        return Access::ProcessHits(select, count, b.data());
-    }
-
+// Hand-made selection buffers; names come from the same table the drawers use. A plain record
+// is four words: name count 1, min depth, max depth, name.
+TEST(SelectHits, RecordLoopRules) {
+    VxSelectNames::Reset();
     VxOpenGLSelect select;
     VxObject a, b, c;
-};
-
-TEST_F(SelectHitsTest, NearestMinimumDepthWins) {
-    std::vector<unsigned int> buf;
-    Record(buf, 5000, VxSelectNames::NameOf(&a));
-    Record(buf, 1000, VxSelectNames::NameOf(&b));
-    Record(buf, 3000, VxSelectNames::NameOf(&c));
-    EXPECT_EQ(Hits(buf, 3), &b);
-    // Only the records counted are read.
-    EXPECT_EQ(Hits(buf, 1), &a);
-}
-
-TEST_F(SelectHitsTest, LaterRecordWinsATieAndDepthsCompareUnsigned) {
-    std::vector<unsigned int> buf;
-    Record(buf, 700, VxSelectNames::NameOf(&a));
-    Record(buf, 700, VxSelectNames::NameOf(&b));
-    EXPECT_EQ(Hits(buf, 2), &b);
-
-    // 0x80000000 is above 0x7FFFFFFF as unsigned; a signed comparison would choose a.
-    std::vector<unsigned int> wide;
-    Record(wide, 0x80000000u, VxSelectNames::NameOf(&a));
-    Record(wide, 0x7FFFFFFFu, VxSelectNames::NameOf(&b));
-    EXPECT_EQ(Hits(wide, 2), &b);
-    // The farthest possible depth still counts as a hit.
-    std::vector<unsigned int> far;
-    far.insert(far.end(), {1u, 0xFFFFFFFFu, 0xFFFFFFFFu, VxSelectNames::NameOf(&c)});
-    EXPECT_EQ(Hits(far, 1), &c);
-}
-
-TEST_F(SelectHitsTest, NameZeroIsPassedOver) {
-    std::vector<unsigned int> buf;
-    Record(buf, 9000, VxSelectNames::NameOf(&a));
-    Record(buf, 10, 0u);
-    EXPECT_EQ(Hits(buf, 2), &a);
-    std::vector<unsigned int> zeros;
-    Record(zeros, 10, 0u);
-    Record(zeros, 20, 0u);
-    EXPECT_EQ(Hits(zeros, 2), nullptr);
-}
-
-TEST_F(SelectHitsTest, TwoNameRecordsAreReadOutOfStep) {
     const unsigned int na = VxSelectNames::NameOf(&a);
     const unsigned int nb = VxSelectNames::NameOf(&b);
-    // One record of base name 0 and one pushed name: its fourth word is the base name, so the
-    // single hit gives nothing.
-    std::vector<unsigned int> one = {2u, 100u, 200u, 0u, na};
-    EXPECT_EQ(Hits(one, 1), nullptr);
-
-    // Two such records. The second "record" starts on the first one's last word, so its name is
-    // the second record's maximum depth; made equal to b's name here, it answers b, though the
-    // records name a and a.
-    std::vector<unsigned int> two = {2u, 100u, 200u, 0u, na, 2u, 50u, nb, 0u, na};
-    EXPECT_EQ(Hits(two, 2), &b);
-    // With a real depth in that word the name means nothing, and the answer is null, not a
-    // pointer made of a depth.
-    std::vector<unsigned int> real = {2u, 100u, 200u, 0u, na, 2u, 50u, 0x7F000000u, 0u, na};
-    EXPECT_EQ(Hits(real, 2), nullptr);
-}
-
-TEST_F(SelectHitsTest, NamesFromAnotherPickMeanNothing) {
-    std::vector<unsigned int> buf;
-    Record(buf, 10, VxSelectNames::NameOf(&a));
+    const unsigned int nc = VxSelectNames::NameOf(&c);
+    const struct {
+        const char* what;
+        std::vector<unsigned int> buffer;
+        int count;
+        VxObject* expected;
+    } cases[] = {
+        {"nearest min depth", {1, 5000, 5010, na, 1, 1000, 1010, nb, 1, 3000, 3010, nc}, 3, &b},
+        {"only counted records are read", {1, 5000, 5010, na, 1, 1000, 1010, nb}, 1, &a},
+        {"later record wins a tie", {1, 700, 710, na, 1, 700, 710, nb}, 2, &b},
+        // A signed comparison would choose a.
+        {"depths compare unsigned",
+         {1, 0x80000000u, 0x8000000Au, na, 1, 0x7FFFFFFFu, 0x80000009u, nb},
+         2,
+         &b},
+        {"farthest depth still hits", {1, 0xFFFFFFFFu, 0xFFFFFFFFu, nc}, 1, &c},
+        {"name 0 passed over", {1, 9000, 9010, na, 1, 10, 20, 0}, 2, &a},
+        {"only name 0", {1, 10, 20, 0, 1, 20, 30, 0}, 2, nullptr},
+        // Base name 0 and one pushed name: the fourth word is the base name.
+        {"two-name record", {2, 100, 200, 0, na}, 1, nullptr},
+        // The second "record" starts on the first one's last word, so its name is the second
+        // record's maximum depth; made equal to b's name it answers b, though both name a.
+        {"two two-name records", {2, 100, 200, 0, na, 2, 50, nb, 0, na}, 2, &b},
+        // With a real depth in that word the answer is null, not a pointer made of a depth.
+        {"depth read as a name", {2, 100, 200, 0, na, 2, 50, 0x7F000000u, 0, na}, 2, nullptr},
+    };
+    for (const auto& k : cases) {
+        std::vector<unsigned int> buffer = k.buffer;
+        EXPECT_EQ(Access::ProcessHits(select, k.count, buffer.data()), k.expected) << k.what;
+    }
+    // Names from another pick mean nothing.
+    std::vector<unsigned int> stale = {1, 10, 20, na};
     VxSelectNames::Reset();
-    EXPECT_EQ(Hits(buf, 1), nullptr);
+    EXPECT_EQ(Access::ProcessHits(select, 1, stale.data()), nullptr);
 }
 
 // Candidates: the stencil kind picks the exact type; flags and placements narrow further.
@@ -254,24 +193,21 @@ protected:
 };
 
 TEST_F(SelectCandidatesTest, FeedbackKindSelectsTheExactType) {
-    const struct {
-        FeedbackType_e feedback;
-        VxEntity* expected;
-    } rows[] = {{FeedbackType_Mesh, &mesh},    {FeedbackType_Tooth, &tooth},
-                {FeedbackType_Gum, &gum},      {FeedbackType_UpperJaw, &jaw},
-                {FeedbackType_LowerJaw, &jaw}, {FeedbackType_Attachment, &attachment}};
-    for (const auto& row : rows) {
-        status->SetFeedbackType(row.feedback);
-        const std::vector<VxEntity*> c = At(0.2, 0.3);
-        ASSERT_EQ(c.size(), 1u) << "feedback " << row.feedback;
-        EXPECT_EQ(c[0], row.expected);
-    }
     // The skull draws with stencil 1 but is no plain mesh; nothing answers to 0 or 7.
-    status->SetFeedbackType(FeedbackType_Mesh);
-    EXPECT_EQ(At(0.2, 0.3), std::vector<VxEntity*>{&mesh});
-    for (int f : {0, 7}) {
-        status->SetFeedbackType(static_cast<FeedbackType_e>(f));
-        EXPECT_TRUE(At(0.2, 0.3).empty());
+    const struct {
+        int feedback;
+        std::vector<VxEntity*> expected;
+    } rows[] = {{FeedbackType_Mesh, {&mesh}},
+                {FeedbackType_Tooth, {&tooth}},
+                {FeedbackType_Gum, {&gum}},
+                {FeedbackType_UpperJaw, {&jaw}},
+                {FeedbackType_LowerJaw, {&jaw}},
+                {FeedbackType_Attachment, {&attachment}},
+                {0, {}},
+                {7, {}}};
+    for (const auto& row : rows) {
+        status->SetFeedbackType(static_cast<FeedbackType_e>(row.feedback));
+        EXPECT_EQ(At(0.2, 0.3), row.expected) << "feedback " << row.feedback;
     }
     // A ray that misses.
     status->SetFeedbackType(FeedbackType_Tooth);
@@ -280,15 +216,14 @@ TEST_F(SelectCandidatesTest, FeedbackKindSelectsTheExactType) {
 
 TEST_F(SelectCandidatesTest, HiddenDeletedAndShelteredAreSkipped) {
     status->SetFeedbackType(FeedbackType_Tooth);
+    for (void (VxObject::*set)(int) : {&VxObject::SetDeleted, &VxObject::SetShelter}) {
+        (tooth.*set)(1);
+        EXPECT_TRUE(At(0, 0.5).empty());
+        (tooth.*set)(0);
+    }
     tooth.SetVisible(0);
     EXPECT_TRUE(At(0, 0.5).empty());
     tooth.SetVisible(1);
-    tooth.SetDeleted(1);
-    EXPECT_TRUE(At(0, 0.5).empty());
-    tooth.SetDeleted(0);
-    tooth.SetShelter(1);
-    EXPECT_TRUE(At(0, 0.5).empty());
-    tooth.SetShelter(0);
     EXPECT_EQ(At(0, 0.5).size(), 1u);
 }
 
@@ -317,9 +252,6 @@ TEST(SelectWithoutModel, PicksNothing) {
     VxRenderStatus::GetInstance()->SetFeedbackType(FeedbackType_Tooth);
     EXPECT_TRUE(Access::Candidates(select, VxLine(VxPoint(0, 0, 1), VxVector(0, 0, -1))).empty());
     VxRenderStatus::GetInstance()->SetFeedbackType(FeedbackType_None);
-    // The selecter of the render state exists from the start.
-    EXPECT_NE(VxRenderStatus::GetInstance()->GetSelecter(), nullptr);
-    EXPECT_NE(VxRenderStatus::GetInstance()->GetFrameBufObj(), nullptr);
 }
 
 } // namespace

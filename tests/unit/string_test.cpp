@@ -91,7 +91,7 @@ TEST(StringUtf8Test, BrokenInputBecomesReplacementCharacters) {
     EXPECT_EQ(CString(std::wstring(1, wchar_t(-1))).ToUtf8(), "\xEF\xBF\xBD");
 }
 
-TEST(StringSearchTest, FindTextAndCharacter) {
+TEST(StringSearchTest, FindLeftAndMidClampLikeTheDesktopClass) {
     const CString s(L"abcabc");
     EXPECT_EQ(s.Find(L"bc"), 1);
     EXPECT_EQ(s.Find(L"bc", 2), 4);
@@ -112,25 +112,23 @@ TEST(StringSearchTest, FindTextAndCharacter) {
     EXPECT_EQ(CString().ReverseFind(L'a'), -1);
     const CString path(L"C:\\dir\\lib.so");
     EXPECT_EQ(path.Left(path.ReverseFind(L'\\')), CString(L"C:\\dir"));
+
+    const CString h(L"hello");
+    EXPECT_EQ(h.Left(2), CString(L"he"));
+    EXPECT_EQ(h.Left(0), CString());
+    EXPECT_EQ(h.Left(-3), CString());
+    EXPECT_EQ(h.Left(99), h);
+    EXPECT_EQ(h.Mid(1), CString(L"ello"));
+    EXPECT_EQ(h.Mid(-4), h);
+    EXPECT_EQ(h.Mid(5), CString());
+    EXPECT_EQ(h.Mid(9), CString());
+    EXPECT_EQ(h.Mid(1, 3), CString(L"ell"));
+    EXPECT_EQ(h.Mid(3, 99), CString(L"lo"));
+    EXPECT_EQ(h.Mid(2, -1), CString());
+    EXPECT_EQ(h.Mid(-2, 2), CString(L"he"));
 }
 
-TEST(StringSearchTest, LeftAndMidClampLikeTheDesktopClass) {
-    const CString s(L"hello");
-    EXPECT_EQ(s.Left(2), CString(L"he"));
-    EXPECT_EQ(s.Left(0), CString());
-    EXPECT_EQ(s.Left(-3), CString());
-    EXPECT_EQ(s.Left(99), s);
-    EXPECT_EQ(s.Mid(1), CString(L"ello"));
-    EXPECT_EQ(s.Mid(-4), s);
-    EXPECT_EQ(s.Mid(5), CString());
-    EXPECT_EQ(s.Mid(9), CString());
-    EXPECT_EQ(s.Mid(1, 3), CString(L"ell"));
-    EXPECT_EQ(s.Mid(3, 99), CString(L"lo"));
-    EXPECT_EQ(s.Mid(2, -1), CString());
-    EXPECT_EQ(s.Mid(-2, 2), CString(L"he"));
-}
-
-TEST(StringFormatTest, DesktopStyleConversions) {
+TEST(StringFormatTest, DesktopStyleConversionsLongOutputAndSelfReference) {
     CString s;
     s.Format(L"%d", -42);
     EXPECT_EQ(s, CString(L"-42"));
@@ -148,11 +146,8 @@ TEST(StringFormatTest, DesktopStyleConversions) {
     EXPECT_EQ(s, CString(L"   42|2.2"));
     s.Format(L"%s", L"\u6977\u4F53"); // wide text passes untouched in any locale
     EXPECT_EQ(s.ToUtf8(), "\xE6\xA5\xB7\xE4\xBD\x93");
-}
 
-TEST(StringFormatTest, LongOutputAndSelfReference) {
     const std::wstring big(5000, L'x');
-    CString s;
     s.Format(L"<%s>%d", big.c_str(), 9);
     EXPECT_EQ(s.GetLength(), 5003);
     EXPECT_EQ(s.Find(L"<x"), 0);

@@ -31,16 +31,7 @@ struct Mask {
     }
     int Count() const { return int(std::count(ink.begin(), ink.end(), 1)); }
     // Any ink within r pixels (square) of (x, y).
-    bool Near(int x, int y, int r) const {
-        for (int dy = -r; dy <= r; ++dy) {
-            for (int dx = -r; dx <= r; ++dx) {
-                if (At(x + dx, y + dy)) {
-                    return true;
-                }
-            }
-        }
-        return false;
-    }
+    bool Near(int x, int y, int r) const { return AnyIn(x - r, y - r, x + r + 1, y + r + 1); }
     bool AnyIn(int x0, int y0, int x1, int y1) const {
         for (int y = y0; y < y1; ++y) {
             for (int x = x0; x < x1; ++x) {
@@ -56,14 +47,12 @@ struct Mask {
         y0 = h;
         x1 = -1;
         y1 = -1;
-        for (int y = 0; y < h; ++y) {
-            for (int x = 0; x < w; ++x) {
-                if (At(x, y)) {
-                    x0 = std::min(x0, x);
-                    y0 = std::min(y0, y);
-                    x1 = std::max(x1, x);
-                    y1 = std::max(y1, y);
-                }
+        for (int i = 0; i < w * h; ++i) {
+            if (ink[size_t(i)]) {
+                x0 = std::min(x0, i % w);
+                y0 = std::min(y0, i / w);
+                x1 = std::max(x1, i % w);
+                y1 = std::max(y1, i / w);
             }
         }
     }
