@@ -32,7 +32,8 @@ void WriteToothIni() {
     const std::string path = Dir() + "/ColorRenderTooth.ini";
     {
         std::ofstream f(path);
-        f << "[TOOTH_AMBIENT]\nR=110\nG=110\nB=110\nA=153\n[TOOTH_DIFFUSE]\nR=100\nG=50\nB=20\nA=255\n"
+        f << "[TOOTH_AMBIENT]\nR=110\nG=110\nB=110\nA=153\n[TOOTH_DIFFUSE]\nR=100\nG=50\nB=20\nA="
+             "255\n"
              "[TOOTH_SPECULAR]\nR=86\nG=80\nB=80\nA=255\n[TOOTH_EMISSION]\nR=153\nG=143\nB=133\n"
              "A=255\n[TOOTH_SHINNESS]\nV=100\n";
     }

@@ -37,7 +37,7 @@ struct VxCliOptions {
     std::string background; // BMP, empty: plain black
     std::string output;     // empty: "vxrender_<layout>.png" in the working directory
     bool quiet = false;
-    std::string writeCase;  // non-empty: also save the case (e.g. the synthetic one) there
+    std::string writeCase; // non-empty: also save the case (e.g. the synthetic one) there
 };
 
 struct VxCliParseResult {

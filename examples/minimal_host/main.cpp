@@ -24,7 +24,8 @@ bool WriteBackground(const char* path) {
     const int w = 64, h = 64, row = w * 3;
     std::vector<unsigned char> bmp(54 + row * h, 0);
     auto put32 = [&](int at, unsigned v) {
-        for (int i = 0; i < 4; ++i) bmp[at + i] = static_cast<unsigned char>(v >> (8 * i));
+        for (int i = 0; i < 4; ++i)
+            bmp[at + i] = static_cast<unsigned char>(v >> (8 * i));
     };
     bmp[0] = 'B';
     bmp[1] = 'M';
@@ -51,12 +52,15 @@ bool WriteBackground(const char* path) {
 struct Pixels {
     int w, h;
     std::vector<unsigned char> rgba; // bottom-up, as GL reads them
-    const unsigned char* At(int x, int y) const { return &rgba[(static_cast<size_t>(y) * w + x) * 4]; }
+    const unsigned char* At(int x, int y) const {
+        return &rgba[(static_cast<size_t>(y) * w + x) * 4];
+    }
 };
 
 int Diff(const unsigned char* a, const unsigned char* b) {
     int d = 0;
-    for (int i = 0; i < 3; ++i) d = std::max(d, std::abs(a[i] - b[i]));
+    for (int i = 0; i < 3; ++i)
+        d = std::max(d, std::abs(a[i] - b[i]));
     return d;
 }
 
@@ -64,7 +68,8 @@ int Diff(const unsigned char* a, const unsigned char* b) {
 // it, which agree with each other. `vertical` tells which way the line runs.
 bool IsLine(const Pixels& px, int x, int y, bool vertical) {
     const int dx = vertical ? 4 : 0, dy = vertical ? 0 : 4;
-    if (x - dx < 0 || y - dy < 0 || x + dx >= px.w || y + dy >= px.h) return false;
+    if (x - dx < 0 || y - dy < 0 || x + dx >= px.w || y + dy >= px.h)
+        return false;
     const unsigned char* a = px.At(x - dx, y - dy);
     const unsigned char* b = px.At(x + dx, y + dy);
     return Diff(a, b) <= 6 && Diff(px.At(x, y), a) > 10;
@@ -156,8 +161,10 @@ int main(int argc, char** argv) {
     };
     const int y35 = 3 * H / 5;
     expect(lineShare(0, y35, W - 1, y35) > 0.5, "no horizontal line at 3H/5");
-    expect(lineShare(W / 2 - 1, 0, W / 2 - 1, y35 - 2) > 0.5, "no line at W/2 - 1 in the lower row");
-    expect(lineShare(W / 3 - 1, y35 + 2, W / 3 - 1, H - 1) > 0.5, "no line at W/3 - 1 in the upper row");
+    expect(lineShare(W / 2 - 1, 0, W / 2 - 1, y35 - 2) > 0.5,
+           "no line at W/2 - 1 in the lower row");
+    expect(lineShare(W / 3 - 1, y35 + 2, W / 3 - 1, H - 1) > 0.5,
+           "no line at W/3 - 1 in the upper row");
     expect(lineShare(2 * W / 3 - 1, y35 + 2, 2 * W / 3 - 1, H - 1) > 0.5,
            "no line at 2W/3 - 1 in the upper row");
     // And no line where the layout has none: the middle of the lower row's left view.
@@ -165,7 +172,8 @@ int main(int argc, char** argv) {
     // The model shows: each view has pixels that are not background.
     int modelPixels = 0;
     for (int y = 0; y < H; y += 4)
-        for (int x = 0; x < W; x += 4) modelPixels += px.At(x, y)[0] > 150 ? 1 : 0;
+        for (int x = 0; x < W; x += 4)
+            modelPixels += px.At(x, y)[0] > 150 ? 1 : 0;
     expect(modelPixels > 2000, "too little of the model on screen");
     std::printf("minimal_host: %s (%d views, GL %s)\n", failures ? "FAILED" : "ok",
                 static_cast<int>(views->GetAllViews().size()),

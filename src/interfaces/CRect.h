@@ -21,7 +21,9 @@ public:
         bottom = b;
     }
     void SetRectEmpty() { left = top = right = bottom = 0; }
-    bool PtInRect(const CPoint& p) const { return p.x >= left && p.x < right && p.y >= top && p.y < bottom; }
+    bool PtInRect(const CPoint& p) const {
+        return p.x >= left && p.x < right && p.y >= top && p.y < bottom;
+    }
     CPoint CenterPoint() const { return CPoint((left + right) / 2, (top + bottom) / 2); }
     bool operator==(const CRect& r) const {
         return left == r.left && top == r.top && right == r.right && bottom == r.bottom;

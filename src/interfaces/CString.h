@@ -48,4 +48,6 @@ private:
     std::wstring m_s;
 };
 
-inline CString operator+(const wchar_t* a, const CString& b) { return CString(a) + b; }
+inline CString operator+(const wchar_t* a, const CString& b) {
+    return CString(a) + b;
+}

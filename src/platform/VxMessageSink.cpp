@@ -9,9 +9,13 @@ VxMessageSink::Handler& CurrentHandler() {
 }
 } // namespace
 
-void VxMessageSink::SetHandler(Handler handler) { CurrentHandler() = std::move(handler); }
+void VxMessageSink::SetHandler(Handler handler) {
+    CurrentHandler() = std::move(handler);
+}
 
-void VxMessageSink::Reset() { CurrentHandler() = nullptr; }
+void VxMessageSink::Reset() {
+    CurrentHandler() = nullptr;
+}
 
 void VxMessageSink::Show(const std::string& text, const std::string& title) {
     const Handler& h = CurrentHandler();

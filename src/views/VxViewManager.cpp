@@ -170,8 +170,8 @@ void VxViewManager::SwitchToMultiView(VxModel& model) {
         FixedView rotation;
     };
     const NewViewPlan plans[3] = {{CPoint(W / 2 + 1, H / 2), View_Front},
-                           {CPoint(0, 0), View_Left},
-                           {CPoint(W / 2 + 1, 0), View_Right}};
+                                  {CPoint(0, 0), View_Left},
+                                  {CPoint(W / 2 + 1, 0), View_Right}};
     for (int i = 0; i < 3; ++i) {
         VxViewRegion* view = NewView(plans[i].origin, W / 2, H / 2, i + 1);
         VxXForm& xf = view->GetXForm();

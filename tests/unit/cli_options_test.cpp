@@ -239,9 +239,9 @@ TEST(CliOptionsTest, HelpWinsOverValidOptionsButNotOverErrors) {
 TEST(CliOptionsTest, HelpTextExplainsEveryOptionAndChoice) {
     const std::string help = VxCliHelpText();
     for (const char* name :
-         {"--size",       "-s,",    "--layout", "-l,",     "--path",   "--display",
-          "-d,",          "--jaws", "-j,",      "--step",  "--select", "--highlight",
-          "--background", "-b,",    "--output", "-o,",     "--seed",   "--quiet",
+         {"--size",       "-s,",    "--layout", "-l,",      "--path",      "--display",
+          "-d,",          "--jaws", "-j,",      "--step",   "--select",    "--highlight",
+          "--background", "-b,",    "--output", "-o,",      "--seed",      "--quiet",
           "-q,",          "--help", "-h,",      "CASE_DIR", "--write-case"}) {
         EXPECT_TRUE(Contains(help, name)) << name;
     }
