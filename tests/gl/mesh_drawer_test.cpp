@@ -41,7 +41,6 @@
 namespace {
 
 constexpr int kSize = 256;
-const unsigned char kBg[3] = {40, 60, 90}; // not black, so black edges show
 
 // Model x or y in [-1, 1] to a pixel column or row (GL order, from the bottom).
 int Px(double v) {
@@ -67,6 +66,17 @@ void AddPart(VxAttachment& a, double x, double y) {
 struct Rgb {
     int r, g, b;
 };
+const Rgb kBg = {40, 60, 90}; // not black, so black edges show
+
+::testing::AssertionResult RgbNear(const Rgb& a, const Rgb& e, int tol) {
+    if (std::abs(a.r - e.r) <= tol && std::abs(a.g - e.g) <= tol && std::abs(a.b - e.b) <= tol) {
+        return ::testing::AssertionSuccess();
+    }
+    return ::testing::AssertionFailure()
+           << "got (" << a.r << ", " << a.g << ", " << a.b << "), expected (" << e.r << ", " << e.g
+           << ", " << e.b << ") within " << tol;
+}
+#define EXPECT_RGB_NEAR(actual, expected, tol) EXPECT_TRUE(RgbNear((actual), (expected), (tol)))
 
 int Clamp(double v) {
     return static_cast<int>(std::lround(std::min(255.0, std::max(0.0, v))));
@@ -131,7 +141,11 @@ protected:
         m_view = std::make_unique<VxViewRegion>(CPoint(0, 0), kSize, kSize);
         FrameDefaults();
     }
+    // Every test ends without a GL error pending.
     void TearDown() override {
+        if (!IsSkipped()) {
+            EXPECT_EQ(GLErrors(), "");
+        }
         VxTransformMatrix::GetInstance()->Clear();
         VxVBOHandleMgr::GetInstance()->Clear();
         VxDrawerFiles::SetDirectoryOverride(CString());
@@ -172,7 +186,7 @@ protected:
     }
 
     static void Clear() {
-        glClearColor(kBg[0] / 255.0f, kBg[1] / 255.0f, kBg[2] / 255.0f, 1.0f);
+        glClearColor(kBg.r / 255.0f, kBg.g / 255.0f, kBg.b / 255.0f, 1.0f);
         glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
     }
 
@@ -213,10 +227,6 @@ protected:
             EXPECT_EQ(StencilAt(c.x, c.y), c.value) << "at (" << c.x << ", " << c.y << ")";
         }
     }
-    static bool IsBackground(const Rgb& c) {
-        return std::abs(c.r - kBg[0]) <= 1 && std::abs(c.g - kBg[1]) <= 1 &&
-               std::abs(c.b - kBg[2]) <= 1;
-    }
     static void Place(VxEntity* e, std::set<DrawInfo_s> infos) {
         VxTransformMatrix::GetInstance()->SetDrawInfos(e, 0, infos);
     }
@@ -226,16 +236,6 @@ protected:
 
     std::unique_ptr<VxViewRegion> m_view;
 };
-
-::testing::AssertionResult RgbNear(const Rgb& a, const Rgb& e, int tol) {
-    if (std::abs(a.r - e.r) <= tol && std::abs(a.g - e.g) <= tol && std::abs(a.b - e.b) <= tol) {
-        return ::testing::AssertionSuccess();
-    }
-    return ::testing::AssertionFailure()
-           << "got (" << a.r << ", " << a.g << ", " << a.b << "), expected (" << e.r << ", " << e.g
-           << ", " << e.b << ") within " << tol;
-}
-#define EXPECT_RGB_NEAR(actual, expected, tol) EXPECT_TRUE(RgbNear((actual), (expected), (tol)))
 
 // Per-vertex lighting at corners 0.1 off the axis moves a channel by about 1 in 255; the rest is
 // rounding.
@@ -266,8 +266,7 @@ TEST_F(MeshDrawerGLTest, EveryKindWritesItsStencilValue) {
                     {0.6, 0.0, 1},
                     {-0.6, -0.6, 6},
                     {0.6, -0.6, 0}});
-    EXPECT_TRUE(IsBackground(At(0.6, -0.6)));
-    EXPECT_EQ(GLErrors(), "");
+    EXPECT_RGB_NEAR(At(0.6, -0.6), kBg, 1);
 }
 
 TEST_F(MeshDrawerGLTest, ToothColourFollowsItsState) {
@@ -302,7 +301,6 @@ TEST_F(MeshDrawerGLTest, ToothColourFollowsItsState) {
         EXPECT_RGB_NEAR(At(0.02, -0.05), Lit(*c.record), kTol);
         EXPECT_EQ(StencilAt(0.02, -0.05), 2);
     }
-    EXPECT_EQ(GLErrors(), "");
 }
 
 TEST_F(MeshDrawerGLTest, JawMaskHidesAndSheltersByJaw) {
@@ -335,7 +333,7 @@ TEST_F(MeshDrawerGLTest, JawMaskHidesAndSheltersByJaw) {
         for (double x : {-0.5, 0.0, 0.5}) {
             EXPECT_NE(StencilAt(x, 0.5 * s), 0) << x;
             EXPECT_EQ(StencilAt(x, -0.5 * s), 0) << x;
-            EXPECT_TRUE(IsBackground(At(x, -0.5 * s))) << x;
+            EXPECT_RGB_NEAR(At(x, -0.5 * s), kBg, 1) << x;
         }
         ExpectStencils({{-0.8, 0.8 * s, 6}, {-0.8, -0.8 * s, 0}});
         for (VxObject* o : upper ? lowers : uppers) {
@@ -356,7 +354,6 @@ TEST_F(MeshDrawerGLTest, JawMaskHidesAndSheltersByJaw) {
         EXPECT_EQ(StencilAt(-0.8, 0.8), 0);
         EXPECT_EQ(upAtt.IsSheltered(), shelter != 0);
     }
-    EXPECT_EQ(GLErrors(), "");
 }
 
 TEST_F(MeshDrawerGLTest, DisplayModesRasteriseAsTheySay) {
@@ -372,7 +369,7 @@ TEST_F(MeshDrawerGLTest, DisplayModesRasteriseAsTheySay) {
 
     status->SetDisplayMode(DisplayMode_Edges);
     Frame({&tooth}, "mode_edges");
-    EXPECT_TRUE(IsBackground(At(ix, iy))) << "edges mode draws no faces";
+    EXPECT_RGB_NEAR(At(ix, iy), kBg, 1) << "edges mode draws no faces";
     EXPECT_EQ(StencilAt(ix, iy), 0);
     const int blackEdges = CountColour(0, 0, 0, 8);
     // Four sides of 128 pixels and a diagonal.
@@ -383,16 +380,15 @@ TEST_F(MeshDrawerGLTest, DisplayModesRasteriseAsTheySay) {
 
     status->SetDisplayMode(DisplayMode_SolidEdges);
     Frame({&tooth}, "mode_solid_edges");
-    EXPECT_FALSE(IsBackground(At(ix, iy)));
+    EXPECT_FALSE(RgbNear(At(ix, iy), kBg, 1));
     EXPECT_EQ(CountColour(0, 0, 0, 8), blackEdges);
 
     status->SetDisplayMode(DisplayMode_Points);
     Frame({&tooth}, "mode_points");
-    EXPECT_TRUE(IsBackground(At(ix, iy)));
+    EXPECT_RGB_NEAR(At(ix, iy), kBg, 1);
     // Four red points of 5 x 5 pixels, one on the corner.
     EXPECT_EQ(CountColour(255, 0, 0, 2), 4 * 25);
     EXPECT_RGB_NEAR(At(-0.5, -0.5), (Rgb{255, 0, 0}), 0);
-    EXPECT_EQ(GLErrors(), "");
 }
 
 // Compare mode: the tooth by the step table; gums and attachments by their comparison flag.
@@ -471,7 +467,6 @@ TEST_F(MeshDrawerGLTest, CompareModeFollowsTheStepTableAndTheCmpFlag) {
     Quad(bare, 0.0, -0.6);
     Frame({&bare});
     EXPECT_EQ(StencilAt(0.0, -0.6), 2);
-    EXPECT_EQ(GLErrors(), "");
 }
 
 TEST_F(MeshDrawerGLTest, LimitPositionsAreSeeThroughGhosts) {
@@ -491,10 +486,9 @@ TEST_F(MeshDrawerGLTest, LimitPositionsAreSeeThroughGhosts) {
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
     DrawEntity(&tooth);
     DrawEntity(&gum);
-    EXPECT_NEAR(At(-0.5, 0.0).b - t1.b, (255 - kBg[2]) * (1 - 150 / 255.0), 3);
-    EXPECT_NEAR(At(0.5, 0.5).b - g1.b, (255 - kBg[2]) * (1 - 60 / 255.0), 3);
+    EXPECT_NEAR(At(-0.5, 0.0).b - t1.b, (255 - kBg.b) * (1 - 150 / 255.0), 3);
+    EXPECT_NEAR(At(0.5, 0.5).b - g1.b, (255 - kBg.b) * (1 - 60 / 255.0), 3);
     EXPECT_GT(t1.r, t1.b + 40) << "the limited colour is red";
-    EXPECT_EQ(GLErrors(), "");
 }
 
 TEST_F(MeshDrawerGLTest, AttachmentColourRule) {
@@ -529,7 +523,6 @@ TEST_F(MeshDrawerGLTest, AttachmentColourRule) {
     a2.SetSelected(1);
     Frame({&a2});
     EXPECT_RGB_NEAR(At(0.0, 0.02), Lit(VxFixedMaterial::Selected()), kTol);
-    EXPECT_EQ(GLErrors(), "");
 }
 
 TEST_F(MeshDrawerGLTest, WedgeSkullAndPlainMesh) {
@@ -549,9 +542,9 @@ TEST_F(MeshDrawerGLTest, WedgeSkullAndPlainMesh) {
     // The wedge: see-through wedge colour at alpha 90, unlit, no depth written.
     const VxColor w = VxColor::GetWedgeColor();
     const double a = 90 / 255.0;
-    const Rgb expected = {Clamp(w.GetR() * a + kBg[0] * (1 - a)),
-                          Clamp(w.GetG() * a + kBg[1] * (1 - a)),
-                          Clamp(w.GetB() * a + kBg[2] * (1 - a))};
+    const Rgb expected = {Clamp(w.GetR() * a + kBg.r * (1 - a)),
+                          Clamp(w.GetG() * a + kBg.g * (1 - a)),
+                          Clamp(w.GetB() * a + kBg.b * (1 - a))};
     EXPECT_RGB_NEAR(At(-0.5, 0.0), expected, 2);
     EXPECT_FLOAT_EQ(ReadDepth(Px(-0.5), Px(0.0)), 1.0f);
     ExpectStencils({{-0.5, 0.0, 1}, {0.0, 0.5, 0}, {0.5, 0.5, 1}});
@@ -563,7 +556,6 @@ TEST_F(MeshDrawerGLTest, WedgeSkullAndPlainMesh) {
     Frame({&wedge});
     EXPECT_EQ(StencilAt(-0.5, 0.0), 0);
     EXPECT_TRUE(wedge.IsSheltered());
-    EXPECT_EQ(GLErrors(), "");
 }
 
 // The colour files: a file present when the frame is drawn decides the default records, an
@@ -633,7 +625,6 @@ TEST_F(MeshDrawerGLTest, ColourFilesFeedTheDefaultRecordsAtTheNextFrame) {
     std::ofstream(toothIni) << "[TOOTH_EMISSION]\nR=10\nG=20\nB=30\nA=255\n";
     EXPECT_RGB_NEAR(colourOf(&tooth), (Rgb{10, 20, 30}), kTol);
     EXPECT_EQ(VxFixedMaterial::Tooth().m_diffuse, VxColor(0, 0, 0, 0));
-    EXPECT_EQ(GLErrors(), "");
 }
 
 // Bitmaps beside the library texture the tooth and gum by direction; without them nothing is
@@ -678,7 +669,6 @@ TEST_F(MeshDrawerGLTest, OptionalBitmapsTextureToothAndGum) {
     std::remove((FilesDir() + "/gum.bmp").c_str());
     Frame({&tooth, &gum});
     EXPECT_RGB_NEAR(At(-0.5, 0.05), plainTooth, 1) << "file gone: untextured at the next frame";
-    EXPECT_EQ(GLErrors(), "");
 }
 
 // A drawer leaves the GL state as it found it; the stencil function is the frame's to restore
@@ -807,7 +797,6 @@ TEST_F(MeshDrawerGLTest, DrawForSelectNamesObjects) {
     Place(&tooth, {Shift(5, 0, false), Shift(0, 0, true)});
     EXPECT_TRUE(pick({ObjectType_Tooth}).empty());
     status->SetSelectType(savedTypes);
-    EXPECT_EQ(GLErrors(), "");
 }
 
 } // namespace

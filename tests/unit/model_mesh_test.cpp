@@ -152,10 +152,10 @@ std::vector<Hit> BruteHits(const std::vector<VxPoint>& pos, const std::vector<Vx
     return hits;
 }
 
-std::vector<VxPoint> Positions(const VxMesh& m) {
+std::vector<VxPoint> Positions(const VxMesh& m, const VxMatrix& placement = VxMatrix::Identity(4)) {
     std::vector<VxPoint> out;
     for (const VxVertex& v : m.GetVertices()) {
-        out.push_back(v.GetPos());
+        out.push_back(placement.Transform(v.GetPos()));
     }
     return out;
 }
@@ -205,6 +205,28 @@ void ExpectConsistentTopology(const VxMesh& m, bool closed) {
         EXPECT_TRUE(m.GetAdjacentFaces(v, got, false));
         EXPECT_EQ(got, expected[static_cast<size_t>(v)]);
     }
+}
+
+// Smallest distance from p to a densely sampled curve.
+double DistanceToSamples(const VxPoint& p, const std::vector<VxPoint>& samples) {
+    double best = 1e300;
+    for (size_t i = 0; i + 1 < samples.size(); ++i) {
+        const VxVector ab = samples[i + 1] - samples[i];
+        const double t = std::clamp(((p - samples[i]) % ab) / (ab % ab), 0.0, 1.0);
+        best = std::min(best, p.DistanceToPoint(samples[i] + ab * t));
+    }
+    return best;
+}
+
+double SignedVolume(const VxMesh& m) {
+    double v = 0.0;
+    for (const VxFace& f : m.GetFaces()) {
+        const VxVector a = m.GetVertex(f.GetVtxId(0))->GetPos();
+        const VxVector b = m.GetVertex(f.GetVtxId(1))->GetPos();
+        const VxVector c = m.GetVertex(f.GetVtxId(2))->GetPos();
+        v += (a % (b * c)) / 6.0;
+    }
+    return v;
 }
 
 } // namespace
@@ -382,11 +404,8 @@ TEST(VxMeshRay, HitTestMatchesBruteForceUnderPlacements) {
         const VxPoint o = centre + side * (3.0 * std::fabs(u(rng))) + d * (20 * u(rng));
         const VxLine ray(o, d);
 
-        std::vector<VxPoint> world;
-        for (const VxVertex& v : sphere.GetVertices()) {
-            world.push_back(placement.Transform(v.GetPos()));
-        }
-        const bool brute = !BruteHits(world, sphere.GetFaces(), o, d).empty();
+        const bool brute =
+            !BruteHits(Positions(sphere, placement), sphere.GetFaces(), o, d).empty();
         EXPECT_EQ(sphere.IsHitByRay(ray, placement), brute) << "ray " << i;
         hits += brute ? 1 : 0;
     }
@@ -464,30 +483,6 @@ TEST(VxCurvatureTest, FlatAndBorderVerticesGiveZero) {
         EXPECT_NEAR(h, 0.0, 1e-12);
     }
 }
-
-namespace {
-// Smallest distance from p to a densely sampled curve.
-double DistanceToSamples(const VxPoint& p, const std::vector<VxPoint>& samples) {
-    double best = 1e300;
-    for (size_t i = 0; i + 1 < samples.size(); ++i) {
-        const VxVector ab = samples[i + 1] - samples[i];
-        const double t = std::clamp(((p - samples[i]) % ab) / (ab % ab), 0.0, 1.0);
-        best = std::min(best, p.DistanceToPoint(samples[i] + ab * t));
-    }
-    return best;
-}
-
-double SignedVolume(const VxMesh& m) {
-    double v = 0.0;
-    for (const VxFace& f : m.GetFaces()) {
-        const VxVector a = m.GetVertex(f.GetVtxId(0))->GetPos();
-        const VxVector b = m.GetVertex(f.GetVtxId(1))->GetPos();
-        const VxVector c = m.GetVertex(f.GetVtxId(2))->GetPos();
-        v += (a % (b * c)) / 6.0;
-    }
-    return v;
-}
-} // namespace
 
 TEST(VxMeshPipe, HelixTubeIsClosedAtRadiusAndOutward) {
     const double radius = 0.4;
