@@ -9,6 +9,8 @@ launcher=()
 if command -v ccache >/dev/null; then launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache); fi
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVX_WERROR=ON -DVX_BUILD_TESTS=ON "${launcher[@]}"
 cmake --build "$build" -j"$(nproc)"
+# Every public header must compile on its own.
+cmake --build "$build" --target vx_header_check -j"$(nproc)"
 # llvmpipe is the driver the GL tests are written against; a machine with a GPU may still choose it.
 export LIBGL_ALWAYS_SOFTWARE=${LIBGL_ALWAYS_SOFTWARE:-1}
 # Here GL is known to work: a GL test that finds no context fails instead of skipping.
