@@ -6,6 +6,7 @@
 // Each run costs a context and a case load, so pictures are reused between checks wherever the
 // same options would be rendered twice.
 #include "VxTestImage.h"
+#include "VxTestBmp.h"
 #include "VxTestPaths.h"
 
 #include <gtest/gtest.h>
@@ -104,28 +105,7 @@ protected:
         if (fs::exists(path)) {
             return path;
         }
-        // A 24-bit BMP of one colour; kW * 3 is a multiple of 4, so rows need no padding.
-        static_assert(kW * 3 % 4 == 0, "BMP rows would need padding");
-        std::vector<unsigned char> file(54, 0);
-        for (int i = 0; i < kW * kH; ++i) {
-            file.insert(file.end(), {kBkB, kBkG, kBkR});
-        }
-        auto put32 = [&](int at, int v) {
-            for (int i = 0; i < 4; ++i) {
-                file[at + i] = static_cast<unsigned char>((v >> (8 * i)) & 0xFF);
-            }
-        };
-        file[0] = 'B';
-        file[1] = 'M';
-        put32(2, static_cast<int>(file.size()));
-        put32(10, 54);
-        put32(14, 40);
-        put32(18, kW);
-        put32(22, kH);
-        file[26] = 1;
-        file[28] = 24;
-        std::ofstream(path, std::ios::binary)
-            .write(reinterpret_cast<const char*>(file.data()), file.size());
+        VxWriteBmp24(path, kW, kH, VxTestRgb{kBkR, kBkG, kBkB});
         return path;
     }
 

@@ -3,6 +3,7 @@
 // and touch no view camera, the eye distance only grows, a failed Create still leaves IsValid
 // true, and the version test holds on every frame. Pictures go to the test output folder.
 #include "VxTestImage.h"
+#include "VxTestBmp.h"
 #include "VxTestPaths.h"
 
 #include <frame/OpenGLVersion.h>
@@ -52,34 +53,9 @@ unsigned char BkB(int x, int y) {
 // A 24-bit bottom-up BMP; y counts from the bottom as in the file.
 bool WriteBmp(const std::string& path, int w, int h, unsigned char (*r)(int, int),
               unsigned char (*g)(int, int), unsigned char (*b)(int, int)) {
-    const int row = (w * 3 + 3) & ~3;
-    const int dataSize = row * h;
-    unsigned char header[54] = {'B', 'M'};
-    auto put32 = [&](int at, int v) {
-        for (int i = 0; i < 4; ++i) {
-            header[at + i] = static_cast<unsigned char>((v >> (8 * i)) & 0xFF);
-        }
-    };
-    put32(2, 54 + dataSize);
-    put32(10, 54);
-    put32(14, 40);
-    put32(18, w);
-    put32(22, h);
-    header[26] = 1;
-    header[28] = 24;
-    put32(34, dataSize);
-    std::ofstream out(path, std::ios::binary);
-    out.write(reinterpret_cast<const char*>(header), sizeof header);
-    std::vector<unsigned char> line(static_cast<size_t>(row), 0);
-    for (int y = 0; y < h; ++y) {
-        for (int x = 0; x < w; ++x) {
-            line[x * 3 + 0] = b(x, y);
-            line[x * 3 + 1] = g(x, y);
-            line[x * 3 + 2] = r(x, y);
-        }
-        out.write(reinterpret_cast<const char*>(line.data()), row);
-    }
-    return static_cast<bool>(out);
+    return VxWriteBmp24(path, w, h, [&](int x, int y) {
+        return VxTestRgb{r(x, y), g(x, y), b(x, y)};
+    });
 }
 
 // Whole surface, top row first.

@@ -6,6 +6,7 @@
 // record, a missing Apply or a wrong colour rule all show. Pictures of what was drawn go to
 // test-output/mesh_drawer/.
 #include "VxGLTest.h"
+#include "VxTestBmp.h"
 #include "VxTestPaths.h"
 
 #include <frame/VxRenderStatus.h>
@@ -101,21 +102,7 @@ std::string FilesDir() {
 
 // A 2 x 2, 24-bit BMP, pure green: a face normal (0, 0, 1) samples green wherever it lands.
 void WriteGreenBmp(const std::string& path) {
-    std::vector<unsigned char> f(54 + 16, 0);
-    const int fields[][3] = {{2, 70, 4}, {10, 54, 4}, {14, 40, 4}, {18, 2, 4},
-                             {22, 2, 4}, {26, 1, 2},  {28, 24, 2}, {34, 16, 4}};
-    for (const auto& fd : fields) {
-        for (int i = 0; i < fd[2]; ++i) {
-            f[fd[0] + i] = static_cast<unsigned char>((fd[1] >> (8 * i)) & 0xFF);
-        }
-    }
-    f[0] = 'B';
-    f[1] = 'M';
-    for (int i : {55, 58, 63, 66}) {
-        f[i] = 255; // G of B, G, R; rows padded to 8 bytes
-    }
-    std::ofstream(path, std::ios::binary)
-        .write(reinterpret_cast<const char*>(f.data()), static_cast<std::streamsize>(f.size()));
+    VxWriteBmp24(path, 2, 2, VxTestRgb{0, 255, 0});
 }
 
 class MeshDrawerGLTest : public VxGLTest {

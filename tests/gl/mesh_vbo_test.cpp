@@ -4,6 +4,7 @@
 // root shows; the texture buffer only with a bitmap beside the library, sized by vertex count
 // for a tooth and by face count for a gum.
 #include "VxGLTest.h"
+#include "VxTestBmp.h"
 #include "VxTestPaths.h"
 
 #include <frame/VxRenderStatus.h>
@@ -75,21 +76,7 @@ protected:
     }
     // A 2 x 2, 24-bit, bottom-up BMP.
     void WriteTinyBmp(const std::string& name) {
-        std::vector<unsigned char> f(54 + 2 * 8, 0);
-        const int fields[][3] = {{2, 70, 4}, {10, 54, 4}, {14, 40, 4}, {18, 2, 4},
-                                 {22, 2, 4}, {26, 1, 2},  {28, 24, 2}, {34, 16, 4}};
-        for (const auto& fd : fields) {
-            for (int i = 0; i < fd[2]; ++i) {
-                f[fd[0] + i] = static_cast<unsigned char>((fd[1] >> (8 * i)) & 0xFF);
-            }
-        }
-        f[0] = 'B';
-        f[1] = 'M';
-        for (int i = 54; i < static_cast<int>(f.size()); ++i) {
-            f[i] = static_cast<unsigned char>(i * 37);
-        }
-        std::ofstream(m_dir + "/" + name, std::ios::binary)
-            .write(reinterpret_cast<const char*>(f.data()), static_cast<std::streamsize>(f.size()));
+        VxWriteBmp24(m_dir + "/" + name, 2, 2, VxTestRgb{200, 120, 40});
     }
     std::string m_dir;
 };

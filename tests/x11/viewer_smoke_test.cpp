@@ -4,6 +4,7 @@
 // the five-view layout, and the quit key sent through the server ends it with status 0.
 // A wrong case gives one error line before any window opens, so that part needs no display.
 #include "VxTestImage.h"
+#include "VxTestBmp.h"
 #include "VxTestPaths.h"
 
 #include <gtest/gtest.h>
@@ -62,32 +63,7 @@ RunResult RunViewer(const std::string& args) {
 // A uniform 24-bit BMP of the window's size.
 std::string Background() {
     const std::string path = Dir() + "/background.bmp";
-    const int row = (kW * 3 + 3) & ~3;
-    std::vector<unsigned char> file(54 + static_cast<size_t>(row) * kH, 0);
-    auto put32 = [&](int at, int v) {
-        for (int i = 0; i < 4; ++i) {
-            file[at + i] = static_cast<unsigned char>((v >> (8 * i)) & 0xFF);
-        }
-    };
-    file[0] = 'B';
-    file[1] = 'M';
-    put32(2, static_cast<int>(file.size()));
-    put32(10, 54);
-    put32(14, 40);
-    put32(18, kW);
-    put32(22, kH);
-    file[26] = 1;
-    file[28] = 24;
-    for (int y = 0; y < kH; ++y) {
-        for (int x = 0; x < kW; ++x) {
-            unsigned char* p = &file[54 + static_cast<size_t>(y) * row + x * 3];
-            p[0] = kBkB;
-            p[1] = kBkG;
-            p[2] = kBkR;
-        }
-    }
-    std::ofstream(path, std::ios::binary)
-        .write(reinterpret_cast<const char*>(file.data()), file.size());
+    VxWriteBmp24(path, kW, kH, VxTestRgb{kBkR, kBkG, kBkB});
     return path;
 }
 
