@@ -8,7 +8,7 @@ pkgs=(
   libgtest-dev libbenchmark-dev
   libgl-dev libegl-dev libgl1-mesa-dri libegl-mesa0 libglx-mesa0 libglu1-mesa-dev libglew-dev libx11-dev
   libfreetype-dev libfontconfig-dev fontconfig fonts-liberation fonts-dejavu-core
-  libglm-dev libstb-dev libassimp-dev nlohmann-json3-dev libglfw3-dev
+  libglm-dev libstb-dev libassimp-dev nlohmann-json3-dev libglfw3-dev libxrandr-dev
   xvfb xauth python3
 )
 # clang and libclang-rt-dev are needed only to build the libFuzzer targets (README, fuzzing).
