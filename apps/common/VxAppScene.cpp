@@ -29,6 +29,7 @@
 #include <interfaces/VxTransformMatrix.h>
 #include <interfaces/VxVertex.h>
 #include <interfaces/VxXForm.h>
+#include <mesh/VxFixedDrawSteps.h>
 #include <platform/VxGLContext.h>
 #include <platform/VxMessageSink.h>
 #include <select/VxOpenGLSelect.h>
@@ -38,6 +39,12 @@
 #include <GL/gl.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
 
 namespace {
 
@@ -81,6 +88,36 @@ std::string CheckBackground(const std::string& path) {
     return reason.empty() ? "not a readable BMP picture" : reason;
 }
 
+// A 4 x 4 white 24-bit BMP in the temporary folder; its path, or "" when it cannot be written.
+std::string WriteWhiteBackground() {
+    const char* dir = std::getenv("TMPDIR");
+    const std::string path = std::string(dir && *dir ? dir : "/tmp") + "/vxrender-white-" +
+                             std::to_string(static_cast<long>(getpid())) + ".bmp";
+    const int side = 4, row = side * 3, size = 54 + row * side;
+    std::vector<unsigned char> bmp(static_cast<size_t>(size), 0xFF);
+    std::fill(bmp.begin(), bmp.begin() + 54, 0);
+    auto put32 = [&bmp](int at, int v) {
+        for (int i = 0; i < 4; ++i) {
+            bmp[static_cast<size_t>(at + i)] = static_cast<unsigned char>(v >> (8 * i));
+        }
+    };
+    bmp[0] = 'B';
+    bmp[1] = 'M';
+    put32(2, size);
+    put32(10, 54);
+    put32(14, 40);
+    put32(18, side);
+    put32(22, side);
+    bmp[26] = 1;
+    bmp[28] = 24;
+    std::FILE* f = std::fopen(path.c_str(), "wb");
+    if (f == nullptr) {
+        return "";
+    }
+    const bool ok = std::fwrite(bmp.data(), 1, bmp.size(), f) == bmp.size();
+    return std::fclose(f) == 0 && ok ? path : "";
+}
+
 } // namespace
 
 VxOpenGLRender* VxAppScene::Render() const {
@@ -90,6 +127,7 @@ VxOpenGLRender* VxAppScene::Render() const {
 bool VxAppScene::Open(HWND window, int width, int height, const std::string& background,
                       std::string& error) {
     VxOpenGLRender* render = Render();
+    std::string white;
     if (!background.empty()) {
         const std::string reason = CheckBackground(background);
         if (!reason.empty()) {
@@ -97,13 +135,21 @@ bool VxAppScene::Open(HWND window, int width, int height, const std::string& bac
             return false;
         }
         render->SetBkGround(CString::FromUtf8(background));
+    } else {
+        // The library paints a window without a background picture black; the programs want a
+        // plain white page behind the model, so they hand it a white picture of their own.
+        white = WriteWhiteBackground();
+        render->SetBkGround(CString::FromUtf8(white));
     }
-    // Without a background the renderer still tries to load one; its complaint about an empty
-    // name is no news to the user.
+    // A missing white picture (no writable temporary folder) only means a black background; the
+    // reader's complaint about it is no news to the user.
     const bool showMessages = g_bDIBShowMessage;
     g_bDIBShowMessage = !background.empty();
     const bool created = render->Create(window, 24, 8);
     g_bDIBShowMessage = showMessages;
+    if (!white.empty()) {
+        std::remove(white.c_str()); // Create has read it into a texture
+    }
     if (!created || render->GetGLContext() == nullptr || !render->GetGLContext()->IsValid()) {
         const std::string why =
             render->GetGLContext() ? render->GetGLContext()->GetLastError() : std::string();
@@ -340,8 +386,10 @@ VxObject* VxAppScene::Pick(const CPoint& pixel, PickKind kind) {
     if (VxViewRegion* view = Views()->GetView(pixel)) {
         Views()->SetActiveView(view);
     }
-    // The stencil and depth the pick reads are those of a frame just drawn.
+    // The stencil and depth the pick reads are those of a frame just drawn. A pick follows the
+    // jaws that the last drawn view showed, so the clicked view's are put in their place.
     Render()->RenderScene(true);
+    VxFixedDrawSteps::ShelterAsShownIn(&m_case->model, Views()->GetActiveView());
     Render()->ProcessFeedback(pixel);
     return status->GetSelecter()->DoSelect(pixel);
 }

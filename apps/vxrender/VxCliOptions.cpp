@@ -160,6 +160,19 @@ const std::vector<Option>& Options() {
                         ? std::string()
                         : "'" + bad + "' is not an FDI tooth number (11-48, 51-85)";
          }},
+        {"--pick", nullptr, true,
+         [](const std::string& v, VxCliOptions& o) {
+             const auto comma = v.find(',');
+             long long x = 0;
+             long long y = 0;
+             if (comma == std::string::npos ||
+                 !VxCliParseInt(v.substr(0, comma), 0, kVxCliMaxSize - 1, x) ||
+                 !VxCliParseInt(v.substr(comma + 1), 0, kVxCliMaxSize - 1, y)) {
+                 return "'" + v + "' is not a pixel X,Y";
+             }
+             o.picks.emplace_back(static_cast<int>(x), static_cast<int>(y));
+             return std::string();
+         }},
         {"--background", "-b", true,
          [](const std::string& v, VxCliOptions& o) {
              if (v.empty()) {
@@ -372,6 +385,9 @@ std::string VxCliHelpText() {
          "                         the case was saved at); step 0 is the initial state\n"
          "      --select FDI,...   mark teeth as selected, by FDI number (e.g. 11,21,36)\n"
          "      --highlight FDI,...  mark teeth as highlighted, by FDI number\n"
+         "      --pick X,Y         click at pixel X,Y (y from the top) in the layout's view "
+         "there;\n"
+         "                         prints what it picks and draws it selected (may repeat)\n"
          "  -b, --background FILE  paint a BMP picture behind the model (default plain white)\n"
          "  -o, --output PATH      a .png file, or a directory (existing, or ending in '/') that\n"
          "                         receives <layout>.png; several steps add _stepNN to the name\n"

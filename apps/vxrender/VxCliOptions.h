@@ -7,6 +7,7 @@
 #include "../common/VxAppTypes.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 struct VxCliSteps {
@@ -34,7 +35,9 @@ struct VxCliOptions {
     VxCliSteps steps;
     std::vector<int> selectFdi;
     std::vector<int> highlightFdi;
-    std::string background; // BMP, empty: plain black
+    // Clicks, pixels with y from the top: what each picks is printed and drawn selected.
+    std::vector<std::pair<int, int>> picks;
+    std::string background; // BMP, empty: a plain white page
     std::string output;     // empty: "vxrender_<layout>.png" in the working directory
     bool quiet = false;
     std::string writeCase; // non-empty: also save the case (e.g. the synthetic one) there

@@ -17,6 +17,8 @@
 
 #include <VxCase.h>
 
+#include <interfaces/CPoint.h>
+#include <interfaces/VxObject.h>
 #include <platform/VxNativeWindow.h>
 
 #include <cstdio>
@@ -115,6 +117,23 @@ int VxCliRender(const VxCliOptions& options, std::string& error) {
     scene.SetDisplay(options.display);
     scene.SetLayout(options.layout);
     scene.SetJaws(options.jaws);
+
+    for (const auto& [x, y] : options.picks) {
+        if (x >= options.width || y >= options.height) {
+            error = "--pick: " + std::to_string(x) + "," + std::to_string(y) +
+                    " lies outside the picture";
+            return 1;
+        }
+        scene.SetStep(steps.front());
+        const CPoint pixel(x, y);
+        VxObject* hit = scene.Pick(pixel, VxAppScene::PickKind::Entity);
+        if (hit) {
+            hit->SetSelected(1);
+        }
+        if (!options.quiet) {
+            std::printf("pick %d,%d: %s\n", x, y, scene.Describe(hit).c_str());
+        }
+    }
 
     const bool several = steps.size() > 1;
     for (int step : steps) {

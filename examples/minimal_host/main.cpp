@@ -1,7 +1,11 @@
 // minimal_host: the smallest complete host of vxrender. It makes an offscreen window of
-// 1280 x 800, creates the renderer over it, shows the synthetic patient in the five-view layout
-// over a background picture, reads the frame back and checks that the background and the four
-// dividing lines are where the library puts them. Exit status 0 means the picture is right.
+// 1280 x 800, brings the renderer up in the order the library needs, shows the synthetic patient
+// in the five-view layout over a background picture, picks a tooth with a click, reads the frame
+// back and checks that the background, the four dividing lines, the model and the pick are where
+// they belong. Exit status 0 means the picture and the pick are right.
+//
+// The part between the "host" markers is the README's host code, word for word (a test compares
+// them).
 //
 // Usage: minimal_host [output.png]
 #include <vxrender.h>
@@ -75,6 +79,20 @@ bool IsLine(const Pixels& px, int x, int y, bool vertical) {
     return Diff(a, b) <= 6 && Diff(px.At(x, y), a) > 10;
 }
 
+// The snapshot (rows from the top, COLORREF pixels) into the bottom-up RGBA rows of GL.
+void ReadSnapshot(const CImage& shot, Pixels& px) {
+    for (int y = 0; y < px.h; ++y) {
+        for (int x = 0; x < px.w; ++x) {
+            const COLORREF c = shot.GetPixel(x, px.h - 1 - y);
+            unsigned char* p = &px.rgba[(static_cast<size_t>(y) * px.w + x) * 4];
+            p[0] = GetRValue(c);
+            p[1] = GetGValue(c);
+            p[2] = GetBValue(c);
+            p[3] = 255;
+        }
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -84,61 +102,84 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "minimal_host: cannot write %s\n", background);
         return 1;
     }
+    auto window = VxNativeWindow::CreateOffscreen(W, H); // or VxNativeWindow::FromX11(dpy, win)
+    if (!window) {
+        std::fprintf(stderr, "minimal_host: no offscreen window\n");
+        return 1;
+    }
 
-    // 1. A window for the library: offscreen here; VxNativeWindow::FromX11 for a real one.
-    auto window = VxNativeWindow::CreateOffscreen(W, H);
+    // --- host: begin
+    // 1-3. The renderer, its background (before Create, which loads it), the GL context.
     VxOpenGLRender* render = VxRenderStatus::GetInstance()->GetRender();
     render->SetBkGround(CString::FromUtf8(background));
-    if (!window || !render->Create(window.get(), 24, 8) || render->GetGLContext() == nullptr) {
+    if (!render->Create(window.get(), 24, 8)) { // depth and stencil bits
         std::fprintf(stderr, "minimal_host: no OpenGL context\n");
         return 1;
     }
-    // The window's size reaches the renderer as a resize would on a desktop.
-    render->ResizeViewport(W, H);
-    // The shader path is later work; Mesa reports 4.5, which would otherwise choose it.
+    // The shader path does not draw yet, and Mesa reports 4.5, which would choose it.
     OpenGLVersion::GetInstance()->Set_btestversion(false);
 
-    // 2. The patient: the host owns the model; the library keeps pointers to it.
-    std::unique_ptr<VxCase> patient = VxSyntheticPatient::Generate(1);
-    patient->Install();
-    render->SetModel(&patient->model);
-    VxRenderStatus::GetInstance()->GetSelecter()->SetModel(&patient->model);
-
-    // 3. Views: total size, one view, then the five-view layout.
+    // 4. The views: total size, then one view of the whole window.
     VxViewManager* views = VxViewManager::GetInstance();
     views->SetTotalViewSize(W, H);
     views->CreateSingleView();
-    // Fit the model: a view's shorter side spans two view units, and the model-view matrix is
-    // look-at x rotation x scale x translation, so translate the box centre to the origin and
-    // scale its diagonal to a little under two units, seen from the front.
+
+    // 5. The model, to the renderer and to the selecter. The host owns it; the library keeps
+    // pointers, so it must outlive every frame and pick.
+    std::unique_ptr<VxCase> patient = VxSyntheticPatient::Generate(1);
+    patient->Install(); // placements, plan, references
+    render->SetModel(&patient->model);
+    VxRenderStatus::GetInstance()->GetSelecter()->SetModel(&patient->model);
+
+    // 6. The window's size, now and on every resize. Without it the renderer keeps its start-up
+    // size of 100 x 100: a black picture with a small square, and picks that find nothing.
+    render->ResizeViewport(W, H);
+    views->SetTotalViewSize(W, H);
+    views->AdjustSingleView();
+
+    // The view's transform: the model seen from the front, its box diagonal a little under the
+    // two view units that the view's shorter side spans.
     const VxBBox box = patient->model.GetBBox();
+    const VxPoint centre = box.Center();
     VxXForm fit;
     fit.SetRotation(VxViewManager::GetFixedMatrix(VxViewManager::View_Front) *
                     VxViewManager::GetReferenceRotation(patient->model));
     fit.SetScale(1.8 / box.Diagonal());
-    const VxPoint c = box.Center();
-    fit.SetTranslation(VxVector(-c[0], -c[1], -c[2]));
+    fit.SetTranslation(VxVector(-centre[0], -centre[1], -centre[2]));
     views->GetView(0)->SetXForm(fit);
-    // The layouts turn views with ViewLookAt, which maps through the matrices of the last frame.
-    render->RenderScene(true);
+    render->RenderScene(true); // a layout switch maps through the last frame's matrices
     views->SwitchTo5View(patient->model);
 
-    // 4. One frame, read back before the swap.
+    // 7. A frame: the model, then the host's overlays, then Flush (glFlush and the swap).
     render->RenderScene(true);
-    glFinish();
-    Pixels px{W, H, std::vector<unsigned char>(static_cast<size_t>(W) * H * 4)};
-    glReadPixels(0, 0, W, H, GL_RGBA, GL_UNSIGNED_BYTE, px.rgba.data());
+    CImage* shot = render->CreateSnapshot(CRect(0, 0, W, H)); // before the swap
     render->Flush();
 
-    if (argc > 1) {
-        CImage* shot = render->CreateSnapshot(CRect(0, 0, W, H));
-        if (shot) {
-            shot->Save(CString::FromUtf8(argv[1]));
-            delete shot;
-        }
-    }
+    // 8. A click (pixels, y from the top), right after a frame: the clicked view becomes the
+    // active one, and the model's shelter flags are made those of that view, since a pick
+    // follows the jaws that the last drawn view showed (here the lower arch, not the front).
+    // Then the stencil under the cursor says what kind of thing is there, and DoSelect which.
+    const CPoint click(W / 2 - 6, H / 5 - 12); // the front view, on an upper incisor
+    views->SetActiveView(views->GetView(click));
+    render->RenderScene(true);
+    VxFixedDrawSteps::ShelterAsShownIn(&patient->model, views->GetActiveView());
+    VxRenderStatus::GetInstance()->SetSelectType({ObjectType_Tooth});
+    render->ProcessFeedback(click);
+    VxObject* picked = VxRenderStatus::GetInstance()->GetSelecter()->DoSelect(click);
+    // --- host: end
 
-    // 5. Check: background in a corner, the four lines of the five-view layout.
+    if (shot == nullptr) {
+        std::fprintf(stderr, "minimal_host: no snapshot\n");
+        return 1;
+    }
+    if (argc > 1) {
+        shot->Save(CString::FromUtf8(argv[1]));
+    }
+    Pixels px{W, H, std::vector<unsigned char>(static_cast<size_t>(W) * H * 4)};
+    ReadSnapshot(*shot, px);
+    delete shot;
+
+    // Checks: background in a corner, the four lines of the five-view layout.
     int failures = 0;
     auto expect = [&](bool ok, const char* what) {
         if (!ok) {
@@ -175,6 +216,17 @@ int main(int argc, char** argv) {
         for (int x = 0; x < W; x += 4)
             modelPixels += px.At(x, y)[0] > 150 ? 1 : 0;
     expect(modelPixels > 2000, "too little of the model on screen");
+    // The click on the upper incisors of the front view picks one of them.
+    const VxTooth* tooth = picked && picked->IsKindOf(ObjectType_Tooth)
+                               ? static_cast<const VxTooth*>(picked)
+                               : nullptr;
+    expect(tooth != nullptr, "the click on the front view picked no tooth");
+    if (tooth) {
+        const int fdi = tooth->GetFDI();
+        expect(fdi == 11 || fdi == 12 || fdi == 21 || fdi == 22,
+               "the click on the upper incisors picked another tooth");
+        std::printf("minimal_host: the click picked tooth %d\n", fdi);
+    }
     std::printf("minimal_host: %s (%d views, GL %s)\n", failures ? "FAILED" : "ok",
                 static_cast<int>(views->GetAllViews().size()),
                 reinterpret_cast<const char*>(glGetString(GL_VERSION)));

@@ -748,6 +748,12 @@ void VxOpenGLRender::DrawBackgroud() const {
     glEnable(GL_TEXTURE_2D);
     glDisable(GL_LIGHTING);
     glBindTexture(GL_TEXTURE_2D, m_bkTexture);
+    if (m_bkTexture == 0) {
+        // No background loaded: texture 0 is incomplete, which fixed-function GL treats as no
+        // texture at all, so the quad would take the current colour (white after start-up). A
+        // window without a background picture is black, whatever colour was current.
+        glColor3f(0.0f, 0.0f, 0.0f);
+    }
 
     glMatrixMode(GL_PROJECTION);
     glPushMatrix();

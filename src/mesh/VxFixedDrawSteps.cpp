@@ -6,7 +6,13 @@
 #include <frame/VxDIBLoader.h>
 #include <frame/VxOpenGLRender.h>
 #include <frame/VxRenderStatus.h>
+#include <interfaces/VxAttachment.h>
+#include <interfaces/VxFilledWedge.h>
+#include <interfaces/VxGum.h>
+#include <interfaces/VxJaw.h>
 #include <interfaces/VxMesh.h>
+#include <interfaces/VxModel.h>
+#include <interfaces/VxTooth.h>
 #include <interfaces/VxTransformMatrix.h>
 #include <mesh/VxDrawerFiles.h>
 #include <mesh/VxSelectNames.h>
@@ -168,6 +174,39 @@ bool VxFixedDrawSteps::ShowTest(VxObject* object, const VxViewRegion* view, bool
     }
     object->SetShelter(0);
     return true;
+}
+
+void VxFixedDrawSteps::ShelterAsShownIn(VxModel* model, const VxViewRegion* view) {
+    if (model == nullptr) {
+        return;
+    }
+    // The same bits and jaw sources as the drawers' own show tests.
+    std::vector<VxEntity*> entities;
+    model->GetEntities(entities);
+    for (VxEntity* entity : entities) {
+        if (entity == nullptr || entity->IsDeleted() || !entity->IsVisible()) {
+            continue;
+        }
+        if (auto* tooth = dynamic_cast<VxTooth*>(entity)) {
+            ShowTest(tooth, view, tooth->IsUp(), Display_Selec_UpperTeeth,
+                     Display_Selec_LowerTeeth);
+        } else if (auto* gum = dynamic_cast<VxGum*>(entity)) {
+            ShowTest(gum, view, gum->IsUp(), Display_Selec_UpperGum, Display_Selec_LowerGum);
+        } else if (auto* jaw = dynamic_cast<VxJaw*>(entity)) {
+            ShowTest(jaw, view, jaw->IsUp(), Display_Selec_UpperJaw, Display_Selec_LowerJaw);
+        } else if (auto* attachment = dynamic_cast<VxAttachment*>(entity)) {
+            // A hidden tooth hides its attachments without sheltering them.
+            if (attachment->GetTooth() != nullptr && attachment->GetTooth()->IsVisible()) {
+                ShowTest(attachment, view, attachment->GetTooth()->IsUp(), Display_Selec_UpperTeeth,
+                         Display_Selec_LowerTeeth);
+            }
+        } else if (auto* wedge = dynamic_cast<VxFilledWedge*>(entity)) {
+            if (wedge->GetToothLeft() != nullptr) {
+                ShowTest(wedge, view, wedge->GetToothLeft()->IsUp(), Display_Selec_UpperTeeth,
+                         Display_Selec_LowerTeeth);
+            }
+        }
+    }
 }
 
 VxFixedDrawSteps::CurrentColourKeeper::CurrentColourKeeper() {

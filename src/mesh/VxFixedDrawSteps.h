@@ -13,6 +13,7 @@
 
 class VxEntity;
 class VxMesh;
+class VxModel;
 class VxObject;
 class VxVBOHandle;
 class VxViewRegion;
@@ -46,6 +47,11 @@ public:
     // unshelters it and answers true otherwise. A null view shows everything.
     static bool ShowTest(VxObject* object, const VxViewRegion* view, bool up, unsigned int upBit,
                          unsigned int lowBit);
+    // The shelter flags that drawing the view would leave on the model's visible, undeleted
+    // entities (teeth, gums, jaws, attachments of visible teeth, wedges), without drawing.
+    // Selection follows the jaws that the last drawn view showed; a host picking in a view of a
+    // multi-view layout calls this after the frame, which is the same as drawing that view last.
+    static void ShelterAsShownIn(VxModel* model, const VxViewRegion* view);
 
     // Puts the current colour back at the end of a scope. Mesa (seen on llvmpipe) loses the
     // restore of GL_CURRENT_BIT when a colour set after the push is followed by the pop of an

@@ -1,9 +1,10 @@
 // The five-view layout of the synthetic patient (seed 1, step 0) on the fixed-function path at
 // 640 x 400, compared with tests/golden/five_views_seed1.png. The golden was made by running this
 // test once with VX_UPDATE_GOLDEN=1 on Mesa 22.3 llvmpipe (Debian 12) and was looked at before it
-// was committed: the top row shows the patient's right side, the front and the left side; the
-// bottom row shows the upper arch from below (incisors up) and the lower arch from above
-// (incisors down). A change in any drawer, material, camera or layout shows up here.
+// was committed: no background picture, so the window is black behind the model; the top row shows
+// the patient's right side, the front and the left side; the bottom row shows the upper arch from
+// below (incisors up) and the lower arch from above (incisors down). A change in any drawer,
+// material, camera or layout shows up here.
 #include "VxGLTest.h"
 #include "VxTestPaths.h"
 
