@@ -15,18 +15,21 @@ cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DVX_BUILD_TESTS=OFF 
   "${launcher[@]}" >/dev/null
 jobs=$(nproc)
 [ "$jobs" -gt 2 ] && jobs=2
-cmake --build "$build" --target bench_frame bench_case bench_material_ini -j"$jobs"
+cmake --build "$build" -j"$jobs"
 
 export LIBGL_ALWAYS_SOFTWARE=${LIBGL_ALWAYS_SOFTWARE:-1}
 results="$build/bench-results"
 mkdir -p "$results"
-for b in frame case material_ini; do
+jsons=()
+for exe in "$build"/bin/bench_*; do
+  b=$(basename "$exe"); b=${b#bench_}
   echo "running bench_$b ..."
-  "$build/bin/bench_$b" --benchmark_out="$results/$b.json" --benchmark_out_format=json \
+  "$exe" --benchmark_out="$results/$b.json" --benchmark_out_format=json \
     --benchmark_format=console >"$results/$b.txt" 2>&1 || { cat "$results/$b.txt"; exit 1; }
+  jsons+=("$results/$b.json")
 done
 
-python3 - "$results/frame.json" "$results/case.json" "$results/material_ini.json" <<'PY'
+python3 - "${jsons[@]}" <<'PY'
 import json, sys
 
 rows = {}
@@ -34,7 +37,9 @@ for path in sys.argv[1:]:
     with open(path) as f:
         data = json.load(f)
     for b in data.get("benchmarks", []):
-        name = b["name"].split("/")[0]
+        name = b["name"].replace("/min_time:0.500", "")
+        if not name.startswith("BM_Scale"):
+            name = name.split("/")[0]
         if b.get("error_occurred"):
             rows[name] = {"error": b.get("error_message", "error")}
             continue
@@ -69,6 +74,15 @@ for name, text in what:
         extra = ", ".join(f"{k} {v:,.0f}" for k, v in r["extra"].items())
         print(f"{name:<28} {r['wall']:>10.4f} {r['cpu']:>10.3f}  {text}" + (f" [{extra}]" if extra else ""))
 
+known = {name for name, _ in what}
+for name, r in rows.items():
+    if name in known or name.startswith("BM_Scale"):
+        continue
+    if "error" in r:
+        print(f"{name:<28} {'error':>10} {'':>10}  {r['error']}")
+    else:
+        print(f"{name:<28} {r['wall']:>10.4f} {r['cpu']:>10.3f}")
+
 def ratio(a, b, text):
     ra, rb = rows.get(a), rows.get(b)
     if not ra or not rb or "wall" not in ra or "wall" not in rb or rb["wall"] == 0:
@@ -84,6 +98,32 @@ for pick in ("BM_PickTooth", "BM_PickVertex", "BM_PickEdge"):
 ratio("BM_ReadCase", "BM_GenerateSynthetic", "read the case / generate it")
 ratio("BM_ToothIniUnchanged", "BM_ToothIniParsedEveryTime", "INI read with the change check / parsing every time")
 ratio("BM_ToothIniUnchanged", "BM_FullFrame", "one INI read / one full frame")
+# The fixed frame against bare loops of the same triangles, by size: with GL's default state and
+# with the state the library sets, and what each piece of that state costs.
+sizes = sorted({int(n.split("/")[1]) for n in rows if n.startswith("BM_ScaleFrame/")})
+if sizes:
+    bits = {30: "two-sided lighting", 29: "GL_NORMALIZE", 27: "light at the eye",
+            23: "specular material", 15: "stencil writes"}
+    print()
+    print("frame cost by size (cpu ms | wall ms):")
+    print(f"{'triangles':>10} {'frame':>15} {'bare default':>15} {'bare same':>15} {'frame/same':>11} {'frame/default':>14}")
+    for n in sizes:
+        f, d, a = (rows.get(k, {}) for k in (f"BM_ScaleFrame/{n}", f"BM_ScaleBare/{n}/0", f"BM_ScaleBare/{n}/31"))
+        if not all("cpu" in r for r in (f, d, a)):
+            continue
+        print(f"{n:>10,} {f['cpu']:>7.1f}|{f['wall']:<7.1f} {d['cpu']:>7.1f}|{d['wall']:<7.1f} "
+              f"{a['cpu']:>7.1f}|{a['wall']:<7.1f} {f['cpu']/a['cpu']:>5.2f}|{f['wall']/a['wall']:<5.2f} "
+              f"{f['cpu']/d['cpu']:>6.2f}|{f['wall']/d['wall']:<6.2f}")
+    print("cost of each piece of the library's state (bare same state minus bare without it, cpu ms):")
+    for n in sizes:
+        a = rows.get(f"BM_ScaleBare/{n}/31", {})
+        parts = []
+        for b, text in bits.items():
+            r = rows.get(f"BM_ScaleBare/{n}/{b}", {})
+            if "cpu" in a and "cpu" in r:
+                parts.append(f"{text} {a['cpu'] - r['cpu']:+.1f}")
+        print(f"  {n:>10,}: " + ", ".join(parts))
+
 print()
 print("cpu ms is the benchmark thread's own time; llvmpipe rasterises on threads of its own, which only wall ms includes.")
 PY
