@@ -159,6 +159,7 @@ TEST(ShaderAssets, FontHoldsTheEditorCharacters) {
 
 TEST(ShaderAssets, MissingFilesPrintTheFontMessageAndLeaveNullImages) {
     const std::string dir = MakeScratchDir("shader_assets_missing");
+    RenderV1::GetInstance(); // made from the library's own files first
     ReadFrom from(dir);
     testing::internal::CaptureStdout();
     RenderV1::GetInstance()->SetUpdata();
@@ -184,6 +185,7 @@ TEST(ShaderAssets, CorruptFilesAreTreatedAsMissing) {
     std::ofstream(dir + "/pngofcreatemodify/gap_card_bg.png", std::ios::binary)
         << bytes.substr(0, bytes.size() / 2);
 
+    RenderV1::GetInstance(); // made from the library's own files first
     ReadFrom from(dir);
     testing::internal::CaptureStdout();
     RenderV1::GetInstance()->SetUpdata();
