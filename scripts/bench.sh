@@ -15,18 +15,18 @@ cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DVX_BUILD_TESTS=OFF 
   "${launcher[@]}" >/dev/null
 jobs=$(nproc)
 [ "$jobs" -gt 2 ] && jobs=2
-cmake --build "$build" --target bench_frame bench_case bench_material_ini -j"$jobs"
+cmake --build "$build" --target bench_frame bench_case bench_material_ini bench_shader -j"$jobs"
 
 export LIBGL_ALWAYS_SOFTWARE=${LIBGL_ALWAYS_SOFTWARE:-1}
 results="$build/bench-results"
 mkdir -p "$results"
-for b in frame case material_ini; do
+for b in frame case material_ini shader; do
   echo "running bench_$b ..."
   "$build/bin/bench_$b" --benchmark_out="$results/$b.json" --benchmark_out_format=json \
     --benchmark_format=console >"$results/$b.txt" 2>&1 || { cat "$results/$b.txt"; exit 1; }
 done
 
-python3 - "$results/frame.json" "$results/case.json" "$results/material_ini.json" <<'PY'
+python3 - "$results/frame.json" "$results/case.json" "$results/material_ini.json" "$results/shader.json" <<'PY'
 import json, sys
 
 rows = {}
@@ -55,6 +55,9 @@ what = [
     ("BM_ToothIniUnchanged", "tooth colour INI read per draw, file unchanged"),
     ("BM_ToothIniParsedEveryTime", "the same read parsing the file every time"),
     ("BM_ToothIniMissing", "the same read with no file"),
+    ("BM_FirstFrameCompileAll", "shader path: all 12 kept programs compiled, first draw each"),
+    ("BM_PerCallMeshCompile", "shader path: one immediate mesh draw's own compile"),
+    ("BM_PerCallGumCompile", "shader path: the same for a gum (two compiles)"),
 ]
 print()
 print(f"{'benchmark':<28} {'wall ms':>10} {'cpu ms':>10}  what")
@@ -84,6 +87,8 @@ for pick in ("BM_PickTooth", "BM_PickVertex", "BM_PickEdge"):
 ratio("BM_ReadCase", "BM_GenerateSynthetic", "read the case / generate it")
 ratio("BM_ToothIniUnchanged", "BM_ToothIniParsedEveryTime", "INI read with the change check / parsing every time")
 ratio("BM_ToothIniUnchanged", "BM_FullFrame", "one INI read / one full frame")
+ratio("BM_PerCallMeshCompile", "BM_FullFrame", "one per-call mesh compile / one full fixed-path frame")
+ratio("BM_FirstFrameCompileAll", "BM_PerCallMeshCompile", "all kept programs / one per-call compile")
 print()
 print("cpu ms is the benchmark thread's own time; llvmpipe rasterises on threads of its own, which only wall ms includes.")
 PY
