@@ -66,8 +66,8 @@ vec3 CalcLight(Light l, vec3 normal, vec3 viewDir)
     float diff = max(dot(normal, lightDir), 0.0);
     vec3 diffuse = l.diffuse * (diff * material.diffuse);
     vec3 reflectDir = reflect(-lightDir, normal);
-    float spec = pow(max(dot(viewDir, reflectDir), 0.0), material.shininess);
-    vec3 specular = l.specular * (spec * material.specular);
+    float specAmount = pow(max(dot(viewDir, reflectDir), 0.0), material.shininess);
+    vec3 specular = l.specular * (specAmount * material.specular);
     return ambient + diffuse + specular;
 }
 
@@ -100,8 +100,8 @@ void main()
     "    float diff = max(dot(normal, lightDir), 0.0);\n"                                          \
     "    vec3 diffuse = l.diffuse * (diff * material.diffuse);\n"                                  \
     "    vec3 reflectDir = reflect(-lightDir, normal);\n"                                          \
-    "    float spec = pow(max(dot(viewDir, reflectDir), 0.0), material.shininess);\n"              \
-    "    vec3 specular = l.specular * (spec * material.specular);\n"                               \
+    "    float specAmount = pow(max(dot(viewDir, reflectDir), 0.0), material.shininess);\n"        \
+    "    vec3 specular = l.specular * (specAmount * material.specular);\n"                         \
     "    if (!front) {\n"                                                                          \
     "        ambient = l.ambient * 0.65;\n"                                                        \
     "        diffuse = l.diffuse * (diff * 0.15);\n"                                               \
@@ -236,9 +236,9 @@ vec3 CalcSpecular(Light l, vec3 normal, vec3 viewDir, vec3 tex)
     float gammain = 2.2;
     vec3 lightDir = normalize(l.position);
     vec3 reflectDir = reflect(-lightDir, normal);
-    float spec = pow(max(dot(viewDir, reflectDir), 0.0), material.shininess);
+    float specAmount = pow(max(dot(viewDir, reflectDir), 0.0), material.shininess);
     vec3 t = pow(tex, vec3(gammain));
-    vec3 specular = l.specular * (spec * material.specular) * t * gumBaseColor;
+    vec3 specular = l.specular * (specAmount * material.specular) * t * gumBaseColor;
     return pow(specular, vec3(gammain));
 }
 

@@ -102,11 +102,11 @@ vec3 Lit(const TwinRig& rig, const TwinMaterial& m, vec3 n, const vec3& viewDir,
     for (const TwinLight& l : rig) {
         const vec3 dir = glm::normalize(l.position);
         const float diff = std::max(glm::dot(n, dir), 0.0f);
-        const float spec =
+        const float specAmount =
             std::pow(std::max(glm::dot(viewDir, Reflect(-dir, n)), 0.0f), m.shininess);
         if (front) {
             sum += l.ambient * m.ambient + l.diffuse * (diff * m.diffuse) +
-                   l.specular * (spec * m.specular);
+                   l.specular * (specAmount * m.specular);
         } else {
             sum += l.ambient * 0.65f + l.diffuse * (diff * 0.15f);
         }
@@ -150,9 +150,9 @@ vec3 TwinGum(const TwinRig& rig, const TwinMaterial& m, const vec3& normal, cons
         const vec3 dir = glm::normalize(l.position);
         const float diff = std::pow(std::max(glm::dot(n, dir), 0.0f), 3.5f);
         dif += Pow(l.diffuse * (diff * m.diffuse) * Pow(tex, 2.2f) * base, 2.2f);
-        const float spec =
+        const float specAmount =
             std::pow(std::max(glm::dot(viewDir, Reflect(-dir, n)), 0.0f), m.shininess);
-        spe += Pow(l.specular * (spec * m.specular) * Pow(tex, 2.2f) * base, 2.2f);
+        spe += Pow(l.specular * (specAmount * m.specular) * Pow(tex, 2.2f) * base, 2.2f);
     }
     return Pow(amb, 1 / 2.2f) + Pow(dif, 1 / 2.2f) + Pow(spe, 1 / 2.2f);
 }

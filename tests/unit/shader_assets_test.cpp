@@ -323,8 +323,8 @@ TEST(ShaderMaterials, GumDefaultAndColourForms) {
     EXPECT_NEAR(gum.diffuse[1] * 255, 142 / 2.0, 1e-3);
     EXPECT_NEAR(gum.diffuse[2] * 255, 138 / 2.0, 1e-3);
     EXPECT_EQ(gum.diffuse[3], 1.0f);
-    const int spec[] = {50, 50, 50, 255}, amb[] = {156, 80, 70, 255};
-    EXPECT_TRUE(Is255(gum.specular, spec));
+    const int specular255[] = {50, 50, 50, 255}, amb[] = {156, 80, 70, 255};
+    EXPECT_TRUE(Is255(gum.specular, specular255));
     EXPECT_TRUE(Is255(gum.ambient, amb));
     EXPECT_EQ(gum.shininess, 256.0f);
 
