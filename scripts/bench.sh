@@ -60,6 +60,9 @@ what = [
     ("BM_ToothIniUnchanged", "tooth colour INI read per draw, file unchanged"),
     ("BM_ToothIniParsedEveryTime", "the same read parsing the file every time"),
     ("BM_ToothIniMissing", "the same read with no file"),
+    ("BM_FirstFrameCompileAll", "shader path: all 12 kept programs compiled, first draw each"),
+    ("BM_PerCallMeshCompile", "shader path: one immediate mesh draw's own compile"),
+    ("BM_PerCallGumCompile", "shader path: the same for a gum (two compiles)"),
 ]
 print()
 print(f"{'benchmark':<28} {'wall ms':>10} {'cpu ms':>10}  what")
@@ -124,6 +127,8 @@ if sizes:
                 parts.append(f"{text} {a['cpu'] - r['cpu']:+.1f}")
         print(f"  {n:>10,}: " + ", ".join(parts))
 
+ratio("BM_PerCallMeshCompile", "BM_FullFrame", "one per-call mesh compile / one full fixed-path frame")
+ratio("BM_FirstFrameCompileAll", "BM_PerCallMeshCompile", "all kept programs / one per-call compile")
 print()
 print("cpu ms is the benchmark thread's own time; llvmpipe rasterises on threads of its own, which only wall ms includes.")
 PY

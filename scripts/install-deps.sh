@@ -7,7 +7,7 @@ pkgs=(
   build-essential cmake ninja-build pkg-config ccache
   libgtest-dev libbenchmark-dev
   libgl-dev libegl-dev libgl1-mesa-dri libegl-mesa0 libglx-mesa0 libglu1-mesa-dev libglew-dev libx11-dev
-  libfreetype-dev libfontconfig-dev fontconfig fonts-liberation fonts-dejavu-core
+  libfreetype-dev libfontconfig-dev fontconfig fonts-liberation fonts-dejavu-core fonts-wqy-microhei
   libglm-dev libstb-dev libassimp-dev nlohmann-json3-dev libglfw3-dev libxrandr-dev
   xvfb xauth python3
 )

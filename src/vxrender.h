@@ -124,8 +124,25 @@
 #include <mesh/VxVBOHandle.h>
 #include <mesh/VxVBOHandleMgr.h>
 
+// shader
+#include <shader/Character.h>
+#include <shader/NuBillboardItem.h>
+#include <shader/NuDrawItem.h>
+#include <shader/NuLightRig.h>
+#include <shader/NuMeshBuffer.h>
+#include <shader/NuPngImage.h>
+#include <shader/NuRenderMaterial.h>
+#include <shader/NuTriColorItem.h>
+#include <shader/NuViewTransforms.h>
+#include <shader/RenderV1.h>
+#include <shader/Shader.h>
+#include <shader/ShaderSourceTable.h>
+
 // select
 #include <select/VxOpenGLSelect.h>
 
 // overlays
 #include <overlays/VxCacheStuff.h>
+
+// gapeditor
+#include <gapeditor/Enumerationofpng.h>

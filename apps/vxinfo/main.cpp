@@ -2,14 +2,22 @@
 // got (EGL platform and version, GL vendor, renderer, version, depth and stencil bits, the quirks
 // that apply). Exits 1 with the reason when no context can be made (the configs on offer when none
 // matched the request).
+// With --shaders it also compiles every program of the shader path from the library's source
+// table (each failing stage prints its record), and says which of the shader path's images and
+// font were found beside the library.
 // It draws nothing and opens no window.
 //
-// Usage: vxinfo [--platform auto|surfaceless|device|default] [--depth N] [--stencil N]
+// Usage: vxinfo [--platform auto|surfaceless|device|default] [--depth N] [--stencil N] [--shaders]
 #include <platform/VxDriverQuirks.h>
 #include <platform/VxGLContext.h>
 #include <platform/VxNativeWindow.h>
+#include <shader/RenderV1.h>
+#include <shader/Shader.h>
+#include <shader/ShaderSourceTable.h>
 
+#define GL_GLEXT_PROTOTYPES 1
 #include <GL/gl.h>
+#include <GL/glext.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -25,8 +33,52 @@ const char* GLString(GLenum name) {
 
 int Usage() {
     std::fprintf(stderr, "usage: vxinfo [--platform auto|surfaceless|device|default] "
-                         "[--depth N] [--stencil N]\n");
+                         "[--depth N] [--stencil N] [--shaders]\n"
+                         "  --shaders  compile every shader-path program and list the shader "
+                         "path's images and font\n");
     return 2;
+}
+
+// Every vertex and fragment pair the renderer compiles. True when all link.
+bool ReportShaders() {
+    static const char* const kPairs[][2] = {
+        {"tooth_vertex_shader", "tooth_frag_shader"},
+        {"Mesh_vertex_shader", "Mesh_frag_shader"},
+        {"Mesh_vertex_shader", "Mesh_frag_shaderforBackAndFront"},
+        {"tooth_vertex_shader", "Mesh_frag_shader"},
+        {"Gum_vertex_shader", "Gum_frag_shader"},
+        {"billboard3d_vertex_shader", "billboard3d_frag_shader"},
+        {"triandcolor_vertex_shader", "triandcolor_frag_shader"},
+        {"QuadrTexture_vertex_shader", "QuadrTexture_frag_shader"},
+        {"QuadrSelection_vertex_shader", "QuadrSelection_frag_shader"},
+        {"QuadrTexture_forpng_vertex_shader", "QuadrTexture_forpng_frag_shader"},
+        {"line_vertex_shader", "line_frag_shader"},
+        {"text_vertex_shader", "text_frag_shader"},
+        {"text_chinese_vertex_shader", "text_chinese_frag_shader"},
+    };
+    bool all = true;
+    std::fflush(stdout);
+    for (const auto& pair : kPairs) {
+        Shader shader(ShaderSourceTable::Source(pair[0]), ShaderSourceTable::Source(pair[1]));
+        GLint linked = 0;
+        glGetProgramiv(shader.program, GL_LINK_STATUS, &linked);
+        std::printf("program:        %s + %s: %s\n", pair[0], pair[1],
+                    linked ? "linked" : "FAILED");
+        all = all && linked;
+        shader.deleteProgram();
+    }
+    const RenderV1* r = RenderV1::GetInstance();
+    std::printf("gum colour map: %dx%d%s\n", r->gumImageWidth, r->gumImageHeight,
+                r->gumImagePixels ? "" : " (missing)");
+    std::printf("gum bump map:   %dx%d%s\n", r->gumBumpWidth, r->gumBumpHeight,
+                r->gumBumpPixels ? "" : " (missing)");
+    int images = 0;
+    for (const auto& e : r->editorImages) {
+        images += e.second.pixels != nullptr;
+    }
+    std::printf("editor images:  %d of %d\n", images, static_cast<int>(r->editorImages.size()));
+    std::printf("font:           %s\n", r->ftFace ? "default.ttf loaded" : "MISSING");
+    return all;
 }
 
 } // namespace
@@ -34,6 +86,7 @@ int Usage() {
 int main(int argc, char** argv) {
     int depthBits = 24;
     int stencilBits = 8;
+    bool shaders = false;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
         const char* value = i + 1 < argc ? argv[i + 1] : nullptr;
@@ -55,6 +108,8 @@ int main(int argc, char** argv) {
         } else if (arg == "--stencil" && value) {
             stencilBits = std::atoi(value);
             ++i;
+        } else if (arg == "--shaders") {
+            shaders = true;
         } else {
             return Usage();
         }
@@ -100,5 +155,8 @@ int main(int argc, char** argv) {
         quirks += (quirks.empty() ? "" : ", ") + q;
     }
     std::printf("driver quirks:  %s\n", quirks.empty() ? "none" : quirks.c_str());
+    if (shaders && !ReportShaders()) {
+        return 1;
+    }
     return context.EntryPointsLoaded() ? 0 : 1;
 }

@@ -2,6 +2,8 @@
 // again on every view of every frame, which is what keeps a host's toggle from overriding it.
 #include <frame/OpenGLVersion.h>
 
+#include <shader/RenderV1.h>
+
 #include <GL/gl.h>
 #include <GL/glu.h>
 
@@ -41,10 +43,9 @@ void OpenGLVersion::Set_btestversion() {
 }
 
 void OpenGLVersion::Set_VBOClear() {
-    // The shader renderer's cached buffer map is cleared here so that switching to the shader
-    // path sends vertex data again:
-    //   RenderV1::GetInstance()->ClearMapofVBOID();
-    // RenderV1 is not part of the library yet; until it is there is no map to clear.
+    // The shader renderer's cached buffers are forgotten so that switching to the shader path
+    // sends vertex data again.
+    RenderV1::GetInstance()->ClearMapofVBOID();
 }
 
 void OpenGLVersion::SetGlazePos() {

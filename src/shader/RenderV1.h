@@ -1,0 +1,144 @@
+// RenderV1: the shader path's renderer, one process-wide object. It owns the GLSL programs (each
+// compiled lazily at its first draw and kept for the life of the process, but for the mesh
+// program of the immediate draw, which is compiled anew for every call), the decoded images and
+// the font the path draws with, the glyph stores, the draw queues and the vertex-buffer caches.
+// Making it (GetInstance) reads the images and the font from beside the library and makes no GL
+// call, so it may happen before any context exists; every drawing operation needs the context
+// current. Failures are printed to standard output and the renderer goes on without the thing
+// that failed. Split by concern: RenderV1.cpp (making, assets), RenderV1Programs.cpp (program
+// slots), RenderV1Materials.cpp (materials, transforms and lights into a program).
+#pragma once
+
+#include <gapeditor/Enumerationofpng.h>
+#include <shader/Character.h>
+#include <shader/NuBillboardItem.h>
+#include <shader/NuDrawItem.h>
+#include <shader/NuMeshBuffer.h>
+#include <shader/NuPngImage.h>
+#include <shader/NuRenderMaterial.h>
+#include <shader/NuTriColorItem.h>
+
+#include <glm/glm.hpp>
+
+#include <map>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+class Shader;
+class NuTextureFont;
+class VxEntity;
+class VxModel;
+
+// FreeType's handle types, declared as FreeType declares them, so this header does not pull in
+// FreeType's.
+typedef struct FT_LibraryRec_* FT_Library;
+typedef struct FT_FaceRec_* FT_Face;
+
+class RenderV1 {
+public:
+    static RenderV1* GetInstance();
+    ~RenderV1();
+
+    // Reads the gum images, opens the font and reads the editor images, all from beside the
+    // library. Makes no GL call. Called by the constructor.
+    void SetUpdata();
+
+    // Forgets the tooth and coloured-triangle buffer caches (not the gum's) without deleting the
+    // GL buffers: for a context that has gone away, whose names mean nothing any more.
+    void ClearMapofVBOID();
+
+    void Setthemodel(VxModel* model) { theModel = model; }
+    VxModel* Getthemodel() { return theModel; }
+
+    // Program slots, in this order. All start null; the kept ones are filled once and live until
+    // the process ends.
+    Shader* currentMeshShader = nullptr; // compiled for each immediate mesh draw
+    Shader* meshShader = nullptr;
+    Shader* toothShader = nullptr;
+    Shader* gumShader = nullptr;
+    Shader* attachShader = nullptr;
+    Shader* billboardShader = nullptr;
+    Shader* triandcolorShader = nullptr;
+    Shader* quadrTextureShader = nullptr;
+    Shader* quadrSelectionShader = nullptr;
+    Shader* quadrTextureForPngShader = nullptr;
+    Shader* lineShader = nullptr;
+    Shader* textShader = nullptr;
+    Shader* textChineseShader = nullptr;
+
+    // Face count of the mesh being drawn.
+    int faceCount = 0;
+    // Any-size text store; null until GenTextureFont.
+    NuTextureFont* textureFont = nullptr;
+    // The font beside the library, opened at a pixel height of 48; null when it could not be.
+    FT_Library ftLibrary = nullptr;
+    FT_Face ftFace = nullptr;
+    std::map<char, Character> asciiCharacters;
+    std::map<char16_t, Character> wideCharacters;
+
+    std::vector<NuDrawItem> objectQueue;
+    std::vector<NuDrawItem> attachQueue;
+    std::vector<NuBillboardItem> billboardQueue;
+    std::vector<NuTriColorItem> triColorQueue;
+
+    // Vertex buffers by (entity, face count); coloured triangles by their first float; gums by
+    // (entity, face count, shape checksum).
+    std::map<std::pair<VxEntity*, int>, NuMeshBuffer> mapOfVBOID;
+    std::map<float, unsigned int> mapOfTriColorVBO;
+    std::map<std::tuple<VxEntity*, int, double>, NuMeshBuffer> mapOfGumVBO;
+
+    VxModel* theModel = nullptr;
+
+    // "GumImageredwhite.png" (colour) and "GumImagebump.png" (normal map), RGB; null pixels
+    // when a file was missing or unreadable.
+    unsigned char* gumImagePixels = nullptr;
+    int gumImageWidth = 0;
+    int gumImageHeight = 0;
+    unsigned char* gumBumpPixels = nullptr;
+    int gumBumpWidth = 0;
+    int gumBumpHeight = 0;
+
+    // The editor's images by element; their textures are made at the first editor draw.
+    std::map<Enumerationofpng, NuPngImage> editorImages;
+    bool editorTexturesMade = false;
+
+private:
+    friend class RenderV1Probe; // the tests' window onto the private passes
+
+    RenderV1();
+    RenderV1(const RenderV1&) = delete;
+    RenderV1& operator=(const RenderV1&) = delete;
+
+    // The kept programs, each with its pair of sources.
+    enum KeptProgram_e {
+        Kept_Mesh,
+        Kept_Tooth,
+        Kept_Gum,
+        Kept_Attach,
+        Kept_Billboard,
+        Kept_TriAndColor,
+        Kept_QuadrTexture,
+        Kept_QuadrSelection,
+        Kept_QuadrTextureForPng,
+        Kept_Line,
+        Kept_Text,
+        Kept_TextChinese,
+        Kept_Count
+    };
+    // The slot's program, compiled from the table when the slot is still null.
+    Shader* KeptProgram(KeptProgram_e which);
+    // The immediate mesh draw's program, compiled anew: the mesh vertex source with the plain or
+    // back-and-front fragment source; for a gum, compiled a second time from the gum sources,
+    // which replace the first without deleting its GL program.
+    Shader* CompileCurrentMeshShader(bool backAndFront, bool gum);
+
+    // Everything a lit program reads, into `shader` (which must be current): viewPos,
+    // projection, model (the view's transform times `matrix`), view, both light rigs, the
+    // material and alphaforblimited. A program without one of those names ignores it.
+    void PreparingDataForShader(Shader* shader, NuRenderMaterial material, glm::mat4 matrix);
+    // The same into currentMeshShader, without the gum rig.
+    void PreparingDataForShader(NuRenderMaterial material, glm::mat4 matrix);
+    void BindTransformAndLightUniformToShader(glm::mat4 matrix);
+    void BindMaterialUniformToShader(NuRenderMaterial material);
+};
