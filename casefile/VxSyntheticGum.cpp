@@ -110,7 +110,7 @@ public:
         m_start = m_teeth.front().s + 0.5 * m_teeth.front().width + kEndRun;
         m_end = m_teeth.back().s - 0.5 * m_teeth.back().width - kEndRun;
         // Depth of the fold below the margin, and of the palate's vault.
-        m_fold = (m_palate ? 9.5 : 8.5) + rng.Uniform(-1.0, 1.0);
+        m_fold = 9.5 + rng.Uniform(-1.0, 1.0);
         m_vault = 11.0 + rng.Uniform(-1.0, 1.0);
     }
 
@@ -211,13 +211,15 @@ public:
     // Behind the last tooth both sides of a row draw together onto the ridge and
     // sink towards the base, so that the gum ends in a rounded pad instead of an
     // open cut.
-    VxPoint Closed(const RowData& r, const VxPoint& p, double depth) const {
+    // The palate keeps its midline edge: there only the ridge end draws in (`keep`
+    // is the share of the row kept open).
+    VxPoint Closed(const RowData& r, const VxPoint& p, double depth, double keep = 0.0) const {
         if (r.close <= 0.0) {
             return p;
         }
         const double d = depth + (kBandDepth - depth) * 0.55;
         const VxPoint q = At(r, r.tilt * d, d);
-        return VxPoint::Lerp(p, q, r.close * r.close);
+        return VxPoint::Lerp(p, q, r.close * r.close * (1.0 - keep) * (1.0 - keep));
     }
 
     VxPoint At(const RowData& r, double o, double depth) const {
@@ -322,7 +324,8 @@ void BuildGum(VxGum& gum, const ArchProfile& prof) {
             double d = 0.0;
             prof.Side(row, -1.0, column(c), o, d);
             const VxPoint p = prof.Palate() ? prof.PalateAt(row, column(c)) : prof.At(row, o, d);
-            ling[r].push_back(gum.AddVertex(F32(prof.Closed(row, p, d))));
+            const double keep = prof.Palate() ? column(c) : 0.0;
+            ling[r].push_back(gum.AddVertex(F32(prof.Closed(row, p, d, keep))));
         }
         // The base joins the two bands' ends underneath, slightly domed.
         const VxPoint p0 = gum.GetVertex(lab[r].back())->GetPos();
