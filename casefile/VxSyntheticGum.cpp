@@ -97,7 +97,7 @@ public:
                 canine || c == VxToothClass::CentralIncisor || c == VxToothClass::LateralIncisor;
             d.papilla = front ? 3.4 : (d.molar ? 2.3 : 2.8);
             const double jitter = 1.0 + rng.Uniform(-0.15, 0.15);
-            d.labial = jitter * (canine ? 0.8 : (d.molar ? 0.3 : 0.35));
+            d.labial = jitter * (canine ? 0.8 : 0.28);
             d.lingual = jitter * (d.molar && m_palate ? 0.35 : 0.2);
             m_teeth.push_back(d);
         }
@@ -194,7 +194,7 @@ public:
         const double margin = r.half + 0.25 - 0.5 * r.half * r.pull;
         auto wall = [&](double d) {
             // The free gingiva thickens quickly away from its edge.
-            const double thick = 0.6 * (1.0 - std::exp(-(d + r.rise) / 1.2));
+            const double thick = 1.1 * (1.0 - std::exp(-(d + r.rise) / 1.8));
             return r.tilt * d + side * (margin + thick + bulge * BulgeProfile(d));
         };
         if (u <= kFoldShare) {
@@ -373,8 +373,8 @@ void BuildJaw(VxJaw& jaw, const ArchProfile& prof, bool upper) {
         double lab = 0.0;
         double ling = 0.0;
         prof.Extent(row, lab, ling);
-        const double o0 = lab + 1.0;
-        const double o1 = (upper ? -(row.half + 4.0) : ling) - 1.0;
+        const double o0 = lab + 0.6;
+        const double o1 = (upper ? -(row.half + 4.0) : ling) - 0.6;
         const double oc = 0.5 * (o0 + o1);
         const double ow = 0.5 * (o0 - o1);
         const double d0 = kBandDepth - 0.6;

@@ -427,7 +427,7 @@ VxToothDesign VxSyntheticTooth::Design(int fdi, VxSyntheticRandom& rng) {
         auto jitter = [&rng](double h) { return h * (1.0 + rng.Uniform(-0.1, 0.1)); };
         switch (d.toothClass) {
         case VxToothClass::FirstPremolar:
-            d.cusps.push_back({0.0, 0.55, jitter(1.45), 0.46, 0.6});
+            d.cusps.push_back({0.0, 0.55, jitter(d.upper ? 1.45 : 1.3), 0.48, 0.62});
             d.cusps.push_back({0.0, -0.55, jitter(d.upper ? 1.2 : 0.6), 0.42, 0.5});
             break;
         case VxToothClass::SecondPremolar:
