@@ -112,6 +112,8 @@ public:
         // Depth of the fold below the margin, and of the palate's vault.
         m_fold = 9.5 + rng.Uniform(-1.0, 1.0);
         m_vault = 11.0 + rng.Uniform(-1.0, 1.0);
+        // The palate ends in a straight edge across the distal ends of the last teeth.
+        m_back = std::min(Row(m_start).line.y(), Row(m_end).line.y()) - 1.0;
     }
 
     double Occ() const { return m_occ; }
@@ -233,7 +235,7 @@ public:
     VxPoint PalateAt(const RowData& r, double u) const {
         const double margin = -(r.half + 0.25 - 0.5 * r.half * r.pull);
         const VxPoint m = At(r, margin, -r.rise);
-        const VxPoint t(0.0, r.line.y() - 6.0, r.line.z() - m_occ * m_vault);
+        const VxPoint t(0.0, std::max(r.line.y() - 6.0, m_back), r.line.z() - m_occ * m_vault);
         const double depth = -r.rise + (m_vault + r.rise) * (1.0 - std::pow(1.0 - u, 2.2));
         const double thick = 0.5 * (1.0 - std::exp(-u * 8.0)) * (1.0 - u);
         const VxPoint h = VxPoint::Lerp(m, t, u) - r.outward * thick;
@@ -272,6 +274,7 @@ private:
     double m_end = 0.0;
     double m_fold = 10.0;
     double m_vault = 11.0;
+    double m_back = 0.0;
 };
 
 // Adds the two triangles of every cell of a band; A = (r, c), B = (r + 1, c), C
