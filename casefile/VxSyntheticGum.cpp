@@ -371,7 +371,10 @@ void BuildJaw(VxJaw& jaw, const ArchProfile& prof, bool upper) {
     std::vector<std::vector<int>> rings;
     VxPoint sum;
     for (int i = 0; i <= samples; ++i) {
-        const double s = prof.Start() + (prof.End() - prof.Start()) * i / samples;
+        // The plinth stops under the pads where the gum has closed.
+        const double s0 = prof.Start() - 0.5 * kEndRun;
+        const double s1 = prof.End() + 0.5 * kEndRun;
+        const double s = s0 + (s1 - s0) * i / samples;
         const RowData row = prof.Row(s);
         double lab = 0.0;
         double ling = 0.0;
