@@ -41,7 +41,7 @@ struct VxSynthContext {
 // The stages of VxSyntheticPatient::Generate, in the order it calls them.
 namespace vx_synthetic {
 void BuildTeethAndPlan(VxSynthContext& ctx, VxSyntheticRandom& rng);
-void BuildGumsAndJaws(VxSynthContext& ctx);
+void BuildGumsAndJaws(VxSynthContext& ctx, VxSyntheticRandom& rng);
 void BuildSkull(VxSynthContext& ctx);
 void BuildAttachmentsAndWedges(VxSynthContext& ctx);
 void BuildGapInfos(VxSynthContext& ctx);

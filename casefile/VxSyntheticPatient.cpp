@@ -46,6 +46,7 @@ std::unique_ptr<VxCase> VxSyntheticPatient::Generate(uint32_t seed, const Option
     // numbers alone.
     VxSyntheticRandom teethRng = root.Fork(1);
     VxSyntheticRandom imageRng = root.Fork(2);
+    VxSyntheticRandom gumRng = root.Fork(3);
 
     VxSynthContext ctx(*c, options);
     ctx.steps = std::max(2, options.steps);
@@ -53,7 +54,7 @@ std::unique_ptr<VxCase> VxSyntheticPatient::Generate(uint32_t seed, const Option
     c->jaws.push_back(std::make_unique<VxJaw>(false));
 
     vx_synthetic::BuildTeethAndPlan(ctx, teethRng);
-    vx_synthetic::BuildGumsAndJaws(ctx);
+    vx_synthetic::BuildGumsAndJaws(ctx, gumRng);
     if (options.skull) {
         vx_synthetic::BuildSkull(ctx);
     }

@@ -24,12 +24,15 @@ double Smooth(double x) {
 }
 
 // A side-wall profile: c at the cervix, 1 at height fraction m, r at the rim;
-// flat at each key.
-double Profile(double t, double c, double m, double r) {
+// flat at the cervix and at the height of contour. A rounded wall keeps turning
+// inwards up to the rim, so that it runs on into the occlusal surface as one
+// convex face; otherwise it stands upright at the rim (the thin incisal edge).
+double Profile(double t, double c, double m, double r, bool rounded) {
     if (t < m) {
         return c + (1.0 - c) * Smooth(t / m);
     }
-    return 1.0 + (r - 1.0) * Smooth((t - m) / (1.0 - m));
+    const double x = Clamp01((t - m) / (1.0 - m));
+    return 1.0 + (r - 1.0) * (rounded ? std::pow(x, 1.7) : Smooth(x));
 }
 
 // Unit superellipse direction at parameter angle theta.
@@ -54,9 +57,16 @@ bool IsMolar(VxToothClass c) {
 double OcclusalHeight(const VxToothDesign& d, double un, double vn) {
     double h = 0.0;
     for (const VxToothCusp& c : d.cusps) {
-        const double du = un - c.u;
-        const double dv = vn - c.v;
-        h += c.height * std::exp(-(du * du + dv * dv) / (c.sigma * c.sigma));
+        const double du = (un - c.u) / (c.sigmaU > 0.0 ? c.sigmaU : c.sigma);
+        const double dv = (vn - c.v) / c.sigma;
+        h += c.height * std::exp(-(du * du + dv * dv));
+    }
+    // Rounded incisal corners: the edge falls away along a quarter circle-like
+    // curve over the outer third of the width.
+    const double corner = un > 0.0 ? d.mesialCorner : d.distalCorner;
+    if (corner > 0.0) {
+        const double x = Clamp01((std::fabs(un) - 0.45) / 0.55);
+        h -= corner * (1.0 - std::sqrt(std::max(0.0, 1.0 - x * x)));
     }
     if (d.fissureDepth > 0.0) {
         // Central groove mesio-distally; molars add the bucco-lingual one.
@@ -386,6 +396,8 @@ VxToothDesign VxSyntheticTooth::Design(int fdi, VxSyntheticRandom& rng) {
         d.bRim = 0.2;
         d.exponent = 2.3;
         d.facialShift = d.upper ? 0.6 : 0.3;
+        d.mesialCorner = d.toothClass == VxToothClass::CentralIncisor ? 1.1 : 1.4;
+        d.distalCorner = d.toothClass == VxToothClass::CentralIncisor ? 1.7 : 2.2;
         for (double u : {-0.55, 0.0, 0.55}) {
             d.cusps.push_back({u, 0.0, 0.25 * (1.0 + rng.Uniform(-0.2, 0.2)), 0.25});
         }
@@ -399,39 +411,41 @@ VxToothDesign VxSyntheticTooth::Design(int fdi, VxSyntheticRandom& rng) {
         d.bRim = 0.45;
         d.exponent = 2.2;
         d.facialShift = 0.5;
-        d.cusps.push_back({0.0, 0.1, 2.0 * (1.0 + rng.Uniform(-0.1, 0.1)), 0.55});
+        d.mesialCorner = 0.4;
+        d.distalCorner = 0.7;
+        d.cusps.push_back({0.0, 0.1, 1.8 * (1.0 + rng.Uniform(-0.1, 0.1)), 0.6, 0.62});
         break;
     default: {
         d.aCervix = IsMolar(d.toothClass) ? 0.78 : 0.72;
         d.aMaxAt = 0.55;
         d.aRim = 0.93;
         d.bCervix = 0.82;
-        d.bMaxAt = 0.35;
-        d.bRim = 0.82;
+        d.bMaxAt = 0.3;
+        d.bRim = 0.8;
         d.exponent = 2.5;
         d.fissureDepth = IsMolar(d.toothClass) ? 0.6 : 0.5;
         auto jitter = [&rng](double h) { return h * (1.0 + rng.Uniform(-0.1, 0.1)); };
         switch (d.toothClass) {
         case VxToothClass::FirstPremolar:
-            d.cusps.push_back({0.0, 0.45, jitter(2.0), 0.42});
-            d.cusps.push_back({0.0, -0.5, jitter(d.upper ? 1.6 : 0.8), 0.4});
+            d.cusps.push_back({0.0, 0.55, jitter(d.upper ? 1.45 : 1.3), 0.48, 0.62});
+            d.cusps.push_back({0.0, -0.55, jitter(d.upper ? 1.2 : 0.6), 0.42, 0.5});
             break;
         case VxToothClass::SecondPremolar:
-            d.cusps.push_back({0.0, 0.45, jitter(1.8), 0.42});
-            d.cusps.push_back({0.0, -0.5, jitter(d.upper ? 1.7 : 1.3), 0.4});
+            d.cusps.push_back({0.0, 0.55, jitter(1.3), 0.46, 0.6});
+            d.cusps.push_back({0.0, -0.55, jitter(d.upper ? 1.25 : 0.95), 0.42, 0.5});
             break;
         default:
             if (!d.upper && d.toothClass == VxToothClass::FirstMolar) {
-                d.cusps.push_back({0.5, 0.45, jitter(1.7), 0.36});
-                d.cusps.push_back({-0.1, 0.5, jitter(1.6), 0.34});
-                d.cusps.push_back({-0.72, 0.25, jitter(1.2), 0.3});
-                d.cusps.push_back({0.45, -0.45, jitter(2.0), 0.38});
-                d.cusps.push_back({-0.4, -0.45, jitter(1.9), 0.38});
+                d.cusps.push_back({0.5, 0.52, jitter(1.35), 0.36, 0.4});
+                d.cusps.push_back({-0.1, 0.55, jitter(1.3), 0.34, 0.38});
+                d.cusps.push_back({-0.72, 0.3, jitter(1.0), 0.3, 0.34});
+                d.cusps.push_back({0.45, -0.5, jitter(1.6), 0.38, 0.42});
+                d.cusps.push_back({-0.4, -0.5, jitter(1.5), 0.38, 0.42});
             } else {
-                d.cusps.push_back({0.45, 0.45, jitter(1.9), 0.38});
-                d.cusps.push_back({-0.45, 0.45, jitter(1.7), 0.38});
-                d.cusps.push_back({0.45, -0.45, jitter(d.upper ? 2.1 : 1.9), 0.42});
-                d.cusps.push_back({-0.5, -0.5, jitter(d.upper ? 1.3 : 1.7), 0.36});
+                d.cusps.push_back({0.45, 0.52, jitter(1.5), 0.38, 0.44});
+                d.cusps.push_back({-0.45, 0.52, jitter(1.35), 0.38, 0.44});
+                d.cusps.push_back({0.45, -0.5, jitter(d.upper ? 1.7 : 1.5), 0.42, 0.46});
+                d.cusps.push_back({-0.5, -0.52, jitter(d.upper ? 1.05 : 1.35), 0.36, 0.4});
             }
             break;
         }
@@ -454,7 +468,7 @@ VxToothGeometry VxSyntheticTooth::Build(const VxToothDesign& d) {
     }
     const double wc = -0.5 * d.crownHeight;
     const double wb = 0.5 * d.crownHeight - 0.5 * maxCusp;
-    const double dome = posterior ? 0.3 : 0.0;
+    const double dome = posterior ? 0.5 : 0.0;
     const double a0 = 0.5 * d.width;
     const double b0 = 0.5 * d.thickness;
 
@@ -468,8 +482,8 @@ VxToothGeometry VxSyntheticTooth::Build(const VxToothDesign& d) {
     std::vector<std::vector<int>> side;
     for (int r = 0; r <= sideRings; ++r) {
         const double t = static_cast<double>(r) / sideRings;
-        const double a = a0 * Profile(t, d.aCervix, d.aMaxAt, d.aRim);
-        const double b = b0 * Profile(t, d.bCervix, d.bMaxAt, d.bRim);
+        const double a = a0 * Profile(t, d.aCervix, d.aMaxAt, d.aRim, posterior);
+        const double b = b0 * Profile(t, d.bCervix, d.bMaxAt, d.bRim, posterior);
         const double shift = d.facialShift * Smooth(t);
         std::vector<int> ring(static_cast<size_t>(n));
         for (int i = 0; i < n; ++i) {

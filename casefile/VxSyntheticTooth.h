@@ -33,6 +33,7 @@ struct VxToothCusp {
     double v = 0.0;
     double height = 0.0; // millimetres above the occlusal base
     double sigma = 0.4;  // spread, in the same normalised units
+    double sigmaU = 0.0; // mesio-distal spread where it differs from sigma (0: the same)
 };
 
 struct VxToothDesign {
@@ -52,6 +53,9 @@ struct VxToothDesign {
     double exponent = 2.4;     // superellipse exponent of the cross-section
     double facialShift = 0.0;  // the occlusal edge leans towards facial by this much (mm)
     double fissureDepth = 0.0; // mm
+    // How far the incisal corners fall back towards the cervix (mm), mesial and
+    // distal: rounded corners of incisors and canines.
+    double mesialCorner = 0.0, distalCorner = 0.0;
     std::vector<VxToothCusp> cusps;
 };
 

@@ -104,6 +104,26 @@ const DrawInfo_s& MainPlacement(const VxCase& c, const VxEntity* e, int step) {
     return *c.placements.at(e).at(step).begin(); // unlimited entries sort first
 }
 
+// A point of a tooth where it stands at the end of the plan (where the gums were shaped).
+VxPoint AtEnd(const VxCase& c, const VxTooth& t, const VxPoint& p) {
+    return MainPlacement(c, &t, c.stepCount - 1).matrix.Transform(p);
+}
+
+// Columns 0 .. 18 of row `row` of a band: the first triangle of cell k has the cell's corner
+// at (row, k) as its second corner in either winding.
+std::vector<VxPoint> BandRow(const VxGum& g, int family, int row) {
+    std::vector<VxPoint> v;
+    const int start = g.GetBandStartFaces(family)[0] + row * VxGum::kBandRowFaces;
+    for (int k = 0; k < VxGum::kBandRowFaces / 2; ++k) {
+        v.push_back(g.GetVertex(g.GetFace(start + 2 * k)->GetVtxId(1))->GetPos());
+    }
+    return v;
+}
+
+int BandRows(const VxGum& g, int family) {
+    return (g.GetBandEndFaces(family)[0] - g.GetBandStartFaces(family)[0]) / VxGum::kBandRowFaces;
+}
+
 } // namespace
 
 TEST(SyntheticPatient, CountsFdiSetAndEntities) {
@@ -190,6 +210,76 @@ TEST(SyntheticPatient, BasicRootFacesLieBelowTheCrown) {
         EXPECT_LT(rootLow, crownLow - 8.0); // a root, not a stub
         // The origin is the crown's centre along its axis.
         EXPECT_NEAR(crownLow + crownHigh, 0.0, 1e-3);
+    }
+}
+
+// Crowns read as teeth from the side: incisal edges with rounded corners, blunt cusps, a
+// facial face whose height of contour lies in the cervical half and that narrows towards the
+// occlusal table, and molars that keep a central fossa below their cusps.
+TEST(SyntheticPatient, CrownsAreBluntConvexAndKeepTheirFossae) {
+    for (const auto& t : Case().teeth) {
+        SCOPED_TRACE(t->GetFDI());
+        const int position = t->GetFDI() % 10;
+        std::vector<VxPoint> crown;
+        for (const VxFace& f : t->GetFaces()) {
+            if (f.GetFaceStyle() == FaceStyle_Crown) {
+                for (int k = 0; k < 3; ++k) {
+                    crown.push_back(ToLocal(t->GetFrame(), t->GetVertex(f.GetVtxId(k))->GetPos()));
+                }
+            }
+        }
+        ASSERT_FALSE(crown.empty());
+        VxPoint top = crown[0];
+        double low = 1e9;
+        double wide = 0.0;
+        VxPoint contour = crown[0];
+        for (const VxPoint& p : crown) {
+            top = p.z() > top.z() ? p : top;
+            low = std::min(low, p.z());
+            wide = std::max(wide, std::fabs(p.x()));
+            contour = std::fabs(p.y()) > std::fabs(contour.y()) ? p : contour;
+        }
+        const double height = top.z() - low;
+        const double contourAt = (contour.z() - low) / height;
+        EXPECT_GT(contourAt, 0.05);
+        EXPECT_LT(contourAt, 0.55);
+        double thickHigh = 0.0; // labio-lingual extent at 85 % of the crown's height
+        for (const VxPoint& p : crown) {
+            if (std::fabs((p.z() - low) / height - 0.85) < 0.04) {
+                thickHigh = std::max(thickHigh, std::fabs(p.y()));
+            }
+        }
+        EXPECT_LT(thickHigh, 0.9 * std::fabs(contour.y()));
+        if (position <= 2) {
+            // Both incisal corners fall away from the edge.
+            double corner[2] = {-1e9, -1e9};
+            for (const VxPoint& p : crown) {
+                if (std::fabs(p.x()) > 0.85 * wide) {
+                    double& c = corner[p.x() > 0.0 ? 1 : 0];
+                    c = std::max(c, p.z());
+                }
+            }
+            EXPECT_GT(top.z() - corner[0], 0.35);
+            EXPECT_GT(top.z() - corner[1], 0.35);
+            EXPECT_GT(2.0 * top.z() - corner[0] - corner[1], 1.0);
+        }
+        if (position >= 4) {
+            // Blunt: nothing within 1 mm of the highest cusp tip lies 0.7 mm below it.
+            for (const VxPoint& p : crown) {
+                if (std::hypot(p.x() - top.x(), p.y() - top.y()) < 1.0) {
+                    EXPECT_LT(top.z() - p.z(), 0.7);
+                }
+            }
+        }
+        if (position >= 6) {
+            double centre = -1e9;
+            for (const VxPoint& p : crown) {
+                if (std::hypot(p.x(), p.y()) < 0.6) {
+                    centre = std::max(centre, p.z());
+                }
+            }
+            EXPECT_LT(centre, top.z() - 0.8);
+        }
     }
 }
 
@@ -337,6 +427,154 @@ TEST(SyntheticPatient, GumStripsBandsAndSegments) {
             std::sort(d.begin(), d.end());
             const std::set<int> pair{d[0].second, d[1].second};
             EXPECT_EQ(pair, (std::set<int>{order[g], order[g + 1]})) << "gap " << g;
+        }
+    }
+}
+
+// The gap editor pins its cards on the segment anchors, so each must stand on the gum margin
+// in the embrasure of its two teeth: between them along the arch, at the tip of the papilla
+// (no margin point nearby stands higher), above their cervical lines and outside both crowns.
+TEST(SyntheticPatient, SegmentAnchorsStandOnTheMarginBetweenTheirTeeth) {
+    const VxCase& c = Case();
+    for (const auto& gum : c.gums) {
+        SCOPED_TRACE(gum->IsUp());
+        const double occ = gum->IsUp() ? -1.0 : 1.0; // towards the crowns
+        const std::vector<int> order = ArchOrder(gum->IsUp());
+        std::vector<VxPoint> margin;
+        for (int r = 0; r < BandRows(*gum, 0); ++r) {
+            margin.push_back(BandRow(*gum, 0, r)[0]);
+        }
+        const auto& first = gum->GetSegmentFirstFaces();
+        ASSERT_EQ(first.size() + 1, order.size());
+        for (size_t g = 0; g < first.size(); ++g) {
+            SCOPED_TRACE(g);
+            const VxPoint p = gum->GetVertex(gum->GetFace(first[g])->GetVtxId(1))->GetPos();
+            const VxTooth& a = *c.FindTooth(order[g]);
+            const VxTooth& b = *c.FindTooth(order[g + 1]);
+            const VxPoint oa = AtEnd(c, a, a.GetFrame().GetOrigin());
+            const VxPoint ob = AtEnd(c, b, b.GetFrame().GetOrigin());
+            // Between the two crowns, near the line that joins them.
+            const double ex = ob.x() - oa.x();
+            const double ey = ob.y() - oa.y();
+            const double len2 = ex * ex + ey * ey;
+            const double t = ((p.x() - oa.x()) * ex + (p.y() - oa.y()) * ey) / len2;
+            EXPECT_GT(t, 0.25);
+            EXPECT_LT(t, 0.75);
+            const double off = std::fabs((p.x() - oa.x()) * ey - (p.y() - oa.y()) * ex);
+            EXPECT_LT(off / std::sqrt(len2), 3.0);
+            // Occlusal of both cervical lines, apical of both crowns' centres.
+            for (const VxTooth* tooth : {&a, &b}) {
+                double cervix = -1e9;
+                for (const VxFace& f : tooth->GetFaces()) {
+                    if (f.GetFaceStyle() != FaceStyle_Crown) {
+                        continue;
+                    }
+                    for (int k = 0; k < 3; ++k) {
+                        const VxPoint q =
+                            AtEnd(c, *tooth, tooth->GetVertex(f.GetVtxId(k))->GetPos());
+                        cervix = std::max(cervix, -occ * q.z());
+                    }
+                }
+                const double h = occ * p.z();
+                EXPECT_GT(h, -cervix + 1.0) << tooth->GetFDI();
+                EXPECT_LT(h, occ * AtEnd(c, *tooth, tooth->GetFrame().GetOrigin()).z())
+                    << tooth->GetFDI();
+                VxMatrix toTooth = MainPlacement(c, tooth, c.stepCount - 1).matrix;
+                ASSERT_TRUE(toTooth.Inverse());
+                EXPECT_FALSE(BruteInside(*tooth, toTooth.Transform(p))) << tooth->GetFDI();
+            }
+            // The tip of the papilla: margin points within 3 mm stand no higher.
+            int near = 0;
+            for (const VxPoint& m : margin) {
+                if (std::hypot(m.x() - p.x(), m.y() - p.y()) < 3.0) {
+                    ++near;
+                    EXPECT_LE(occ * m.z(), occ * p.z() + 1e-6);
+                }
+            }
+            EXPECT_GE(near, 3);
+        }
+    }
+}
+
+// What makes the gums read as gingiva: a margin that dips between the papillae, a labial
+// surface that runs down along the roots to a fold at a plausible depth and then turns back
+// towards the ridge, an upper gum closed over the palate and a lower one that leaves the
+// tongue's space open.
+TEST(SyntheticPatient, GumsFoldRoundAndCloseOverThePalate) {
+    const VxCase& c = Case();
+    for (const auto& gum : c.gums) {
+        SCOPED_TRACE(gum->IsUp());
+        const double occ = gum->IsUp() ? -1.0 : 1.0;
+        const int rows = BandRows(*gum, 0);
+        ASSERT_EQ(rows, BandRows(*gum, 1));
+        const std::vector<int> order = ArchOrder(gum->IsUp());
+        std::vector<double> middle; // margin height in the middle of each tooth, arch order
+        for (int fdi : order) {
+            SCOPED_TRACE(fdi);
+            const VxTooth& t = *c.FindTooth(fdi);
+            const VxPoint o = AtEnd(c, t, t.GetFrame().GetOrigin());
+            int best = 0;
+            double bestD = 1e9;
+            for (int r = 0; r < rows; ++r) {
+                const VxPoint m = BandRow(*gum, 0, r)[0];
+                const double d = std::hypot(m.x() - o.x(), m.y() - o.y());
+                if (d < bestD) {
+                    bestD = d;
+                    best = r;
+                }
+            }
+            const std::vector<VxPoint> lab = BandRow(*gum, 0, best);
+            middle.push_back(occ * lab[0].z());
+            // The profile in the plane of the row: across (outwards) and depth (apical).
+            VxVector out = lab[0] - BandRow(*gum, 1, best)[0];
+            out[2] = 0.0;
+            ASSERT_TRUE(out.Normalize());
+            auto angle = [&](size_t i, size_t j) {
+                const VxVector d = lab[j] - lab[i];
+                return std::atan2(d % out, occ * -d.z()) * 180.0 / M_PI;
+            };
+            // The wall over the roots keeps its direction to the fold, then turns inwards.
+            const double wall = angle(6, 10);
+            size_t turn = 0;
+            for (size_t k = 10; k + 1 < lab.size() && turn == 0; ++k) {
+                if (angle(k, k + 1) < wall - 20.0) {
+                    turn = k;
+                }
+            }
+            ASSERT_GT(turn, 0u);
+            const double foldDepth = occ * (lab[0].z() - lab[turn].z());
+            EXPECT_GT(foldDepth, 7.0);
+            EXPECT_LT(foldDepth, 13.5);
+            EXPECT_LT(angle(lab.size() - 2, lab.size() - 1), wall - 40.0); // into the base
+            for (size_t k = 1; k < lab.size(); ++k) {
+                EXPECT_GT(occ * (lab[k - 1].z() - lab[k].z()), 0.0) << k;
+            }
+        }
+        // Each papilla stands at least 1.5 mm above the margin in the middle of both its teeth.
+        const auto& first = gum->GetSegmentFirstFaces();
+        for (size_t g = 0; g < first.size(); ++g) {
+            const VxPoint tip = gum->GetVertex(gum->GetFace(first[g])->GetVtxId(1))->GetPos();
+            EXPECT_GT(occ * tip.z(), std::max(middle[g], middle[g + 1]) + 1.5) << g;
+        }
+        // The lingual band's far edge: on the midline for the upper gum, near the teeth for
+        // the lower one.
+        for (int r = 0; r < rows; r += 7) {
+            const VxPoint m = BandRow(*gum, 1, r)[0];
+            double midline = 1e9;
+            double reach = 0.0;
+            const int start = gum->GetBandStartFaces(1)[0] + r * VxGum::kBandRowFaces;
+            for (int f = start; f < start + VxGum::kBandRowFaces; ++f) {
+                for (int k = 0; k < 3; ++k) {
+                    const VxPoint& p = gum->GetVertex(gum->GetFace(f)->GetVtxId(k))->GetPos();
+                    midline = std::min(midline, std::fabs(p.x()));
+                    reach = std::max(reach, std::hypot(p.x() - m.x(), p.y() - m.y()));
+                }
+            }
+            if (gum->IsUp()) {
+                EXPECT_LT(midline, 1e-3) << r;
+            } else {
+                EXPECT_LT(reach, 7.0) << r;
+            }
         }
     }
 }
@@ -532,6 +770,13 @@ TEST(SyntheticPatient, SameSeedSameCaseOtherSeedAndOptionsOtherCase) {
         }
     }
     EXPECT_TRUE(differs);
+    // The gums are shaped from each seed's teeth and draws as well.
+    bool gumDiffers = false;
+    const int shared = std::min(a->gums[0]->GetVertexCount(), d->gums[0]->GetVertexCount());
+    for (int k = 0; k < shared && !gumDiffers; ++k) {
+        gumDiffers = a->gums[0]->GetVertex(k)->GetPos() != d->gums[0]->GetVertex(k)->GetPos();
+    }
+    EXPECT_TRUE(gumDiffers);
     EXPECT_EQ(a->skull, nullptr);
     ASSERT_NE(d->skull, nullptr);
     EXPECT_TRUE(IsClosedOriented(*d->skull));
