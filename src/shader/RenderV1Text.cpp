@@ -357,6 +357,13 @@ void RenderV1::RenderText3(CPoint position, float z, const wchar_t* text, glm::v
     textureFont->SetSize(pixelSize);
     textureFont->SetString(text);
 
+    // Blending ends switched off, whatever it was before: the editor draws its image quads
+    // after the labels and switches it on for itself. The blend factors are put back.
+    GLint src = GL_ONE, dst = GL_ZERO, srcAlpha = GL_ONE, dstAlpha = GL_ZERO;
+    glGetIntegerv(GL_BLEND_SRC_RGB, &src);
+    glGetIntegerv(GL_BLEND_DST_RGB, &dst);
+    glGetIntegerv(GL_BLEND_SRC_ALPHA, &srcAlpha);
+    glGetIntegerv(GL_BLEND_DST_ALPHA, &dstAlpha);
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     {
@@ -396,5 +403,6 @@ void RenderV1::RenderText3(CPoint position, float z, const wchar_t* text, glm::v
         glUseProgram(0);
     }
     glBindTexture(GL_TEXTURE_2D, 0);
+    glBlendFuncSeparate(src, dst, srcAlpha, dstAlpha);
     glDisable(GL_BLEND);
 }
