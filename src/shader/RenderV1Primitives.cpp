@@ -169,6 +169,11 @@ void RenderV1::DrawGraphicBillBoard3d() {
 }
 
 CPoint RenderV1::Divider(CPoint p, int n) {
+    // Callers never divide by zero; should one, the point comes back as it was rather than the
+    // process ending on an integer division fault.
+    if (n == 0) {
+        return p;
+    }
     return CPoint(p.x / n, p.y / n);
 }
 
@@ -211,6 +216,8 @@ VxPoint RenderV1::ChangePoint(VxViewRegion* region, VxPoint base, VxPoint p) {
     if (!region) {
         return p;
     }
+    // Measured in clip coordinates, before any perspective division: in the orthographic views
+    // the editor works in, that is the view's -1..1 box.
     const NuViewTransforms t;
     const glm::vec4 cb = Clip(t, base);
     const glm::vec4 cp = Clip(t, p);

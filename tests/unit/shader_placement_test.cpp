@@ -55,6 +55,7 @@ TEST(ShaderPlacement, PixelHelpersTruncateTowardZero) {
         {CPoint(5, -5), 2, CPoint(2, -2), CPoint(10, -10)},
         {CPoint(-7, 7), 3, CPoint(-2, 2), CPoint(-21, 21)},
         {CPoint(0, 9), -4, CPoint(0, -2), CPoint(0, -36)},
+        {CPoint(7, -3), 0, CPoint(7, -3), CPoint(0, 0)}, // no division fault
     };
     for (const Case& c : cases) {
         EXPECT_EQ(r->Divider(c.p, c.n), c.divided) << c.p.x << "," << c.p.y << " / " << c.n;
