@@ -316,7 +316,7 @@ void RenderV1::RenderText2New(VxPoint origin, VxVector alongIn, VxVector upIn, c
     const glm::vec3 along = ToVec3(alongIn * vectorFactor);
     const glm::vec3 up = ToVec3(upIn * vectorFactor);
     const float sign = positiveUp ? 1.0f : -1.0f;
-    const glm::vec3 v = glm::normalize(ToVec3(upIn) * sign) / vectorFactor / distanceDivisor;
+    const glm::vec3 v = glm::normalize(up * sign) / vectorFactor / distanceDivisor;
     // Three lines, each from its own anchor: characters 0-6 above the origin, 7-12 just below,
     // the rest further down. A line starts at its anchor whatever the line before it did.
     const glm::vec3 o = ToVec3(origin);
