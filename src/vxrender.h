@@ -128,10 +128,13 @@
 #include <shader/Character.h>
 #include <shader/NuBillboardItem.h>
 #include <shader/NuDrawItem.h>
+#include <shader/NuEditorSize.h>
+#include <shader/NuGlyphCell.h>
 #include <shader/NuLightRig.h>
 #include <shader/NuMeshBuffer.h>
 #include <shader/NuPngImage.h>
 #include <shader/NuRenderMaterial.h>
+#include <shader/NuTextureFont.h>
 #include <shader/NuTriColorItem.h>
 #include <shader/NuViewTransforms.h>
 #include <shader/RenderV1.h>

@@ -206,6 +206,11 @@ const std::vector<Option>& Options() {
              o.writeCase = v;
              return std::string();
          }},
+        {"--editor-sample", nullptr, false,
+         [](const std::string&, VxCliOptions& o) {
+             o.editorSample = true;
+             return std::string();
+         }},
         {"--quiet", "-q", false,
          [](const std::string&, VxCliOptions& o) {
              o.quiet = true;
@@ -395,6 +400,8 @@ std::string VxCliHelpText() {
          "      --seed N           seed of the synthetic patient (default 1)\n"
          "      --write-case DIR   also save the case as a case directory (case.json, meshes,\n"
          "                         pictures); with no CASE_DIR this writes the synthetic patient\n"
+         "      --editor-sample    lay a sample of the gap editor's value cards (.3, 1.2) and\n"
+         "                         list rows (text from the library's own font) over the picture\n"
          "  -q, --quiet            do not list the pictures written\n"
          "  -h, --help             show this text and exit\n"
          "\n"
@@ -403,6 +410,7 @@ std::string VxCliHelpText() {
          "Examples:\n"
          "  vxrender --layout five -o out/\n"
          "  vxrender cases/patient1 --layout compare --size 1600x900 -o compare.png\n"
-         "  vxrender --step all --jaws upper -o frames/\n";
+         "  vxrender --step all --jaws upper -o frames/\n"
+         "  vxrender --editor-sample -o editor.png\n";
     return h.str();
 }

@@ -41,6 +41,8 @@ struct VxCliOptions {
     std::string output;     // empty: "vxrender_<layout>.png" in the working directory
     bool quiet = false;
     std::string writeCase; // non-empty: also save the case (e.g. the synthetic one) there
+    // Lay a sample of the gap editor's value cards and list rows over each picture.
+    bool editorSample = false;
 };
 
 struct VxCliParseResult {

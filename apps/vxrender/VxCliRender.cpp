@@ -9,6 +9,7 @@
 // Whether a step or tooth exists is known only once the case is read, so those values are
 // checked here, not by the parser.
 #include "VxCliRender.h"
+#include "VxCliEditorSample.h"
 
 #include <VxCaseIO.h>
 
@@ -139,6 +140,9 @@ int VxCliRender(const VxCliOptions& options, std::string& error) {
     for (int step : steps) {
         scene.SetStep(step);
         scene.RenderFrame();
+        if (options.editorSample) {
+            VxCliDrawEditorSample(options.width, options.height);
+        }
         const std::string path = VxCliOutputPath(options, step, several, steps.back());
         const std::filesystem::path parent = std::filesystem::path(path).parent_path();
         std::error_code ec;

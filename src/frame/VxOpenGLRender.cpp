@@ -21,6 +21,7 @@
 #include <mesh/VxDrawer.h>
 #include <mesh/VxDrawerMgr.h>
 #include <platform/VxGLContext.h>
+#include <shader/RenderV1.h>
 #include <views/VxCamera.h>
 #include <views/VxViewManager.h>
 #include <views/VxViewRegion.h>
@@ -733,8 +734,8 @@ bool VxOpenGLRender::LoadBkTexture() {
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
     FreeDIB(image);
     // The glyph textures of the shader path are generated here and only here, so glyph text
-    // works only where a background loaded; that coupling is kept:
-    //   RenderV1::GetInstance()->GenTextureFont();
+    // works only where a background loaded; that coupling is kept.
+    RenderV1::GetInstance()->GenTextureFont();
     return true;
 }
 

@@ -18,9 +18,14 @@
 #include <shader/NuRenderMaterial.h>
 #include <shader/NuTriColorItem.h>
 
+#include <interfaces/CPoint.h>
+#include <interfaces/VxColor.h>
+#include <interfaces/VxVector.h>
+
 #include <glm/glm.hpp>
 
 #include <map>
+#include <string>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -29,6 +34,7 @@ class Shader;
 class NuTextureFont;
 class VxEntity;
 class VxModel;
+class VxViewRegion;
 
 // FreeType's handle types, declared as FreeType declares them, so this header does not pull in
 // FreeType's.
@@ -76,6 +82,53 @@ public:
     FT_Face ftFace = nullptr;
     std::map<char, Character> asciiCharacters;
     std::map<char16_t, Character> wideCharacters;
+
+    // Glyph text (RenderV1Text.cpp). Every form needs a current context and draws nothing
+    // visible when the font could not be opened. The model-space forms go through the view's
+    // transforms; RenderText3 writes in window pixels, y down, from the any-size store, and
+    // draws nothing before GenTextureFont.
+    void GenTextureFont();
+    void RenderText(std::string text, float x, float y, float scale, glm::vec3 color);
+    void RenderText(VxPoint origin, VxPoint alongEnd, VxPoint upEnd, VxPoint upStart,
+                    std::string text, float a, float b, float scale, glm::vec3 color);
+    void RenderText2(VxPoint origin, VxPoint alongEnd, VxPoint upEnd, VxPoint upStart,
+                     const wchar_t* text, float a, float b, float scale, glm::vec3 color);
+    void RenderText2New(VxPoint origin, VxVector along, VxVector up, const wchar_t* text,
+                        float scale, glm::vec3 color, bool positiveUp, float widthFactor,
+                        float vectorFactor, float unused, float distanceDivisor);
+    void RenderText3(CPoint position, float z, const wchar_t* text, glm::vec3 color,
+                     float orthoWidth, float orthoHeight, float orthoNear, float orthoFar,
+                     int pixelSize, int charsPerLine);
+
+    // Screen-space primitives (RenderV1Primitives.cpp). The "3" forms take window pixels with y
+    // down inside an orthographic box of width x height; the others take model points through
+    // the view's transforms.
+    void DrawLine(VxPoint a, VxPoint b);
+    void DrawLineNew(VxPoint a, VxPoint b, VxColor color);
+    void DrawQuadrangle(VxPoint a, VxPoint b, VxPoint c, VxPoint d);
+    void DrawLine3(CPoint a, CPoint b, float z, glm::vec3 color, float width, float height,
+                   float nearPlane, float farPlane);
+    void DrawTriangle3(CPoint a, CPoint b, CPoint c, float z, glm::vec3 color, float width,
+                       float height, float nearPlane, float farPlane);
+    void DrawQuadrangle3(CPoint a, CPoint b, CPoint c, CPoint d, float z, glm::vec3 color,
+                         float width, float height, float nearPlane, float farPlane);
+    void SendBillBoard(VxPoint a, VxPoint b, CString text);
+    void DrawBillBoard(VxPoint a, VxPoint b, CString text);
+    void DrawGraphicBillBoard3d();
+    CPoint Divider(CPoint p, int n);
+    CPoint Multiplyer(CPoint p, int n);
+    // Placement tests of the gap editor, against the current view's transforms.
+    bool DisplayJudge(VxViewRegion* region, VxPoint p);
+    bool DisplayJudgeforgap(VxViewRegion* region, VxPoint p, bool upper);
+    VxPoint ChangePoint(VxViewRegion* region, VxPoint base, VxPoint p);
+
+    // Editor images (RenderV1Png.cpp): textures made once, and a keyed image quad whose
+    // near-white shows what lies behind it. Corners a, b, c, d run top-left, top-right,
+    // bottom-right, bottom-left.
+    void PrepareDrawcreatemodify();
+    void DrawQuadrangle3forPng(Enumerationofpng image, CPoint a, CPoint b, CPoint c, CPoint d,
+                               float z, glm::vec3 color, float width, float height, float nearPlane,
+                               float farPlane);
 
     std::vector<NuDrawItem> objectQueue;
     std::vector<NuDrawItem> attachQueue;

@@ -208,6 +208,28 @@ TEST_F(CliRenderTest, EveryLayoutShowsThePatientInEveryView) {
     EXPECT_GT(DifferentPixels(single, Render({"--highlight", "11,21"}, "highlighted")), 50);
 }
 
+TEST_F(CliRenderTest, EditorSampleLaysCardsAndRowsOverTheLowerLeft) {
+    const VxTestImage plain = Render({}, "editor_plain");
+    const VxTestImage sample = Render({"--editor-sample"}, "editor_sample");
+    ASSERT_FALSE(plain.Empty() || sample.Empty());
+    // Cards and rows occupy x 16-226 and the lowest 112 rows; nothing else changes.
+    int inside = 0, outside = 0, ink = 0;
+    for (int y = 0; y < kH; ++y) {
+        for (int x = 0; x < kW; ++x) {
+            const std::uint8_t* a = plain.Pixel(x, y);
+            const std::uint8_t* b = sample.Pixel(x, y);
+            const bool differs = a[0] != b[0] || a[1] != b[1] || a[2] != b[2];
+            const bool inBox = x >= 16 && x <= 226 && y >= kH - 112 && y < kH - 20;
+            (inBox ? inside : outside) += differs;
+            ink += inBox && b[0] < 60 && b[1] < 60 && b[2] < 60;
+        }
+    }
+    EXPECT_EQ(outside, 0);
+    EXPECT_GT(inside, 5000);
+    // Black glyphs of the values and the two rows.
+    EXPECT_GT(ink, 300);
+}
+
 TEST_F(CliRenderTest, AllStepsAreNumberedFramesAndTheTeethMove) {
     const std::string dir = Dir() + "/steps/";
     fs::remove_all(dir);
