@@ -70,10 +70,10 @@ def main():
                 r, g, b = rows[y][x * bpp:x * bpp + 3]
                 if max(r, g, b) > 245 and min(r, g, b) > 245:
                     continue
-                if r > 150 and g > 120 and b > 80 and r - b < 90:
-                    ivory += 1
-                elif r > 120 and r - g > 40 and r - b > 30:
-                    pink += 1
+                if r > 150 and r - g < 25 and g - b < 40 and r - b < 60:
+                    ivory += 1  # crowns: light, red and green close together
+                elif r > 120 and r - g >= 35 and r - b >= 25:
+                    pink += 1  # gums: red well above green and blue
         if ivory < 500:
             problems.append("only %d ivory samples: no teeth" % ivory)
         if pink < 200:
