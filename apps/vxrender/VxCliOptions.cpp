@@ -193,6 +193,11 @@ const std::vector<Option>& Options() {
              o.writeCase = v;
              return std::string();
          }},
+        {"--aux-demo", nullptr, false,
+         [](const std::string&, VxCliOptions& o) {
+             o.auxDemo = true;
+             return std::string();
+         }},
         {"--quiet", "-q", false,
          [](const std::string&, VxCliOptions& o) {
              o.quiet = true;
@@ -379,6 +384,9 @@ std::string VxCliHelpText() {
          "      --seed N           seed of the synthetic patient (default 1)\n"
          "      --write-case DIR   also save the case as a case directory (case.json, meshes,\n"
          "                         pictures); with no CASE_DIR this writes the synthetic patient\n"
+         "      --aux-demo         draw a sample of every aux object over the patient (sphere,\n"
+         "                         box, arrows, polyline, curve, pipe, planes, circle, torus,\n"
+         "                         face patch)\n"
          "  -q, --quiet            do not list the pictures written\n"
          "  -h, --help             show this text and exit\n"
          "\n"

@@ -38,6 +38,7 @@ struct VxCliOptions {
     std::string output;     // empty: "vxrender_<layout>.png" in the working directory
     bool quiet = false;
     std::string writeCase; // non-empty: also save the case (e.g. the synthetic one) there
+    bool auxDemo = false;  // draw the sample of aux objects over the patient
 };
 
 struct VxCliParseResult {
