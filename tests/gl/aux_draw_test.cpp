@@ -10,12 +10,16 @@
 #include <aux/VxAuxArrow.h>
 #include <aux/VxAuxBox.h>
 #include <aux/VxAuxCircle.h>
+#include <aux/VxAuxCurve.h>
+#include <aux/VxAuxMesh.h>
+#include <aux/VxAuxSurface.h>
 #include <aux/VxAuxFace.h>
 #include <aux/VxAuxLine.h>
 #include <aux/VxAuxPlane.h>
 #include <aux/VxAuxPoint.h>
 #include <aux/VxAuxPolyline.h>
 #include <aux/VxAuxRender.h>
+#include <interfaces/VxBSplineCurve.h>
 #include <interfaces/VxTooth.h>
 #include <interfaces/VxTransformMatrix.h>
 
@@ -442,9 +446,74 @@ TEST_F(AuxDrawTest, FaceColoursInterpolateBetweenVertices) {
     face->SetColor(VxColor(0, 0, 0));
     img = scene.FrameWithAux();
     EXPECT_NEAR(at(VxPoint(0, -2, 0))[0], 127, 3);
+    // Indices past the mesh are skipped, not read.
+    face->SetFaces({-1, 0, 99});
+    img = scene.FrameWithAux();
+    EXPECT_NEAR(at(VxPoint(0, -2, 0))[0], 127, 3);
     face->ClearFaces();
     img = scene.FrameWithAux();
     EXPECT_EQ(at(VxPoint(0, -2, 0))[0], 255);
+}
+
+TEST_F(AuxDrawTest, CurvesAndSurfacesDrawWhatGluAcceptsAndNothingElse) {
+    VxAuxTestScene scene(6.0, false);
+    const VxTestImage bare = scene.FrameWithAux();
+    auto* empty = new VxAuxCurve();
+    auto* surface = new VxAuxSurface();
+    auto* mesh = new VxAuxMesh();
+    for (VxAuxObject* o : std::initializer_list<VxAuxObject*>{empty, surface, mesh}) {
+        o->SetColor(VxColor(255, 0, 0));
+        VxAuxTestScene::Aux()->AddAuxObject(o);
+    }
+    // Empty curve, empty surface, no mesh: nothing drawn, no GL error, no GLU message.
+    VxTestImage img = scene.FrameWithAux();
+    EXPECT_EQ(img.rgba, bare.rgba);
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+
+    // A curve that refused its knots stays empty and draws nothing either.
+    VxBSplineCurve bad;
+    EXPECT_FALSE(bad.Set(3, {VxPoint(0, 0, 0), VxPoint(1, 0, 0)}, VxKnotVec({0, 1, 0.5, 0})));
+    auto* refused = new VxAuxCurve();
+    refused->SetCurve(bad);
+    VxAuxTestScene::Aux()->AddAuxObject(refused);
+    std::unique_ptr<VxBSplineCurve> arc(VxBSplineCurve::CreateInterpolateCurve(
+        {VxPoint(-10, -5, 0), VxPoint(0, 8, 0), VxPoint(10, -5, 0)}, false));
+    ASSERT_TRUE(arc);
+    empty->SetCurve(*arc);
+    img = scene.FrameWithAux();
+    VxAuxTestScene::Save(img, "aux_curve");
+    // The curve's colour along its path: at its apex it runs through the middle column.
+    const CPoint top = scene.ToScreen(arc->Evaluate(0.5));
+    int red = 0;
+    for (int dy = -3; dy <= 3; ++dy) {
+        red += IsRedDominant(img.Pixel(top.x, top.y + dy)) ? 1 : 0;
+    }
+    EXPECT_GE(red, 1);
+    EXPECT_LE(red, 3) << "two pixels wide";
+}
+
+TEST_F(AuxDrawTest, AuxMeshDrawsGreyOrSelectedRedUnderItsMatrix) {
+    VxAuxTestScene scene(6.0, false);
+    VxMesh square;
+    square.SetMeshData({VxPoint(-2, -2, 0), VxPoint(2, -2, 0), VxPoint(2, 2, 0), VxPoint(-2, 2, 0)},
+                       {0, 1, 2, 0, 2, 3});
+    auto* aux = new VxAuxMesh(&square);
+    VxMatrix shift = VxMatrix::Translation(VxVector(8, 0, 0));
+    aux->SetMatrix(shift);
+    VxAuxTestScene::Aux()->AddAuxObject(aux);
+    VxTestImage img = scene.FrameWithAux();
+    const CPoint at = scene.ToScreen(VxPoint(8, 0, 0));
+    const CPoint origin = scene.ToScreen(VxPoint(0, 0, 0));
+    const std::uint8_t* p = img.Pixel(at.x, at.y);
+    EXPECT_LT(p[0], 240) << "the mesh is drawn at its matrix";
+    EXPECT_NEAR(p[0], p[1], 12) << "grey";
+    EXPECT_EQ(img.Pixel(origin.x, origin.y)[0], 255) << "and not where it lies";
+    aux->SetSelected(1);
+    img = scene.FrameWithAux();
+    p = img.Pixel(at.x, at.y);
+    EXPECT_GT(p[0], p[1] + 60) << "selected red";
+    aux->ClearMesh();
+    EXPECT_EQ(scene.FrameWithAux().Pixel(at.x, at.y)[0], 255);
 }
 
 } // namespace
