@@ -2,7 +2,8 @@
 //   BM_AuxFrameBare          RenderScene + the empty registry's Render + glFinish: the frame a
 //                            host pays without aux objects;
 //   BM_AuxFrame200           the same with 200 visible aux objects over the teeth (100 lines,
-//                            50 spheres, 25 arrows, 25 circles), the goal being at most 10 % more;
+//                            50 spheres, 25 arrows, 25 circles; Arg 1: 200 lines), the goal
+//                            being at most 10 % more;
 //   BM_AuxFrame500Points     the same with 500 spheres;
 //   BM_AuxRenderLines        Render alone over 5,000 hidden and 200 visible lines;
 //   BM_AuxHitTest200         HitTest over 200 points that all miss, so the whole set is walked;
@@ -131,19 +132,21 @@ void BM_AuxFrame200(benchmark::State& state) {
     if (!Ready(state, s)) {
         return;
     }
-    for (int i = 0; i < 100; ++i) {
+    // Arg 1: lines only, the commonest aux objects of the measuring and marking tools.
+    const int lines = state.range(0) == 1 ? 200 : 100;
+    for (int i = 0; i < lines; ++i) {
         auto* line = new VxAuxLine();
-        line->SetStartPoint(InBox(s, Frac(i, 100), 0.2, 0.9));
-        line->SetStopPoint(InBox(s, Frac(i, 100), 0.8, 0.9));
+        line->SetStartPoint(InBox(s, Frac(i, lines), 0.2, 0.9));
+        line->SetStopPoint(InBox(s, Frac(i, lines), 0.8, 0.9));
         line->SetType(i % 2 ? AuxLineType_Solid : AuxLineType_Dashed);
         s.aux->AddAuxObject(line);
     }
-    for (int i = 0; i < 50; ++i) {
+    for (int i = 0; i < (lines == 100 ? 50 : 0); ++i) {
         auto* point = new VxAuxPoint();
         point->SetPos(InBox(s, Frac(i % 10, 10), Frac(i / 10, 5), 0.9));
         s.aux->AddAuxObject(point);
     }
-    for (int i = 0; i < 25; ++i) {
+    for (int i = 0; i < (lines == 100 ? 25 : 0); ++i) {
         auto* arrow = new VxAuxArrow();
         arrow->SetPoint(InBox(s, Frac(i, 25), 0.3, 0.9), InBox(s, Frac(i, 25), 0.4, 0.95));
         s.aux->AddAuxObject(arrow);
@@ -156,7 +159,7 @@ void BM_AuxFrame200(benchmark::State& state) {
     }
     s.aux->Clear();
 }
-BENCHMARK(BM_AuxFrame200)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_AuxFrame200)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 void BM_AuxFrame500Points(benchmark::State& state) {
     Scene& s = GetScene();

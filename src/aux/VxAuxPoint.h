@@ -34,6 +34,11 @@ public:
     AuxPointStyle_e GetStyle() const { return m_style; }
     void SetStyle(AuxPointStyle_e style) { m_style = style; }
 
+    // A lit sphere of 32 slices and 32 stacks about the origin, from one cached array of
+    // triangles per radius: one draw call rather than two thousand immediate-mode vertices, so
+    // a few hundred marks stay cheap in a frame.
+    static void DrawSphere(double radius);
+
     // Radius of a style's sphere (0 for the dot style).
     static double DrawRadius(int style);
     static double HighlightRadius(int style);

@@ -2,8 +2,8 @@
 #include <aux/VxAuxPolyline.h>
 
 #include <GL/glew.h>
-#include <GL/glu.h>
 
+#include <aux/VxAuxPoint.h>
 #include <frame/VxOpenGLRender.h>
 #include <interfaces/VxPolyline.h>
 #include <interfaces/VxSystemOption.h>
@@ -56,10 +56,6 @@ void VxAuxPolyline::Strip(std::size_t from, std::size_t to) const {
 }
 
 void VxAuxPolyline::Spheres(VxPointType_e type, std::size_t from, std::size_t to) const {
-    GLUquadric* q = gluNewQuadric();
-    if (q == nullptr) {
-        return;
-    }
     glMatrixMode(GL_MODELVIEW);
     for (std::size_t i = from; i < to; ++i) {
         if (TypeAt(i) != type) {
@@ -67,10 +63,9 @@ void VxAuxPolyline::Spheres(VxPointType_e type, std::size_t from, std::size_t to
         }
         glPushMatrix();
         glTranslated(m_points[i][0], m_points[i][1], m_points[i][2]);
-        gluSphere(q, kSphereRadius, 32, 32);
+        VxAuxPoint::DrawSphere(kSphereRadius);
         glPopMatrix();
     }
-    gluDeleteQuadric(q);
 }
 
 namespace {
