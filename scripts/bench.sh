@@ -15,18 +15,18 @@ cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DVX_BUILD_TESTS=OFF 
   "${launcher[@]}" >/dev/null
 jobs=$(nproc)
 [ "$jobs" -gt 2 ] && jobs=2
-cmake --build "$build" --target bench_frame bench_case bench_material_ini -j"$jobs"
+cmake --build "$build" --target bench_frame bench_case bench_material_ini bench_aux -j"$jobs"
 
 export LIBGL_ALWAYS_SOFTWARE=${LIBGL_ALWAYS_SOFTWARE:-1}
 results="$build/bench-results"
 mkdir -p "$results"
-for b in frame case material_ini; do
+for b in frame case material_ini aux; do
   echo "running bench_$b ..."
   "$build/bin/bench_$b" --benchmark_out="$results/$b.json" --benchmark_out_format=json \
     --benchmark_format=console >"$results/$b.txt" 2>&1 || { cat "$results/$b.txt"; exit 1; }
 done
 
-python3 - "$results/frame.json" "$results/case.json" "$results/material_ini.json" <<'PY'
+python3 - "$results/frame.json" "$results/case.json" "$results/material_ini.json" "$results/aux.json" <<'PY'
 import json, sys
 
 rows = {}
@@ -35,6 +35,8 @@ for path in sys.argv[1:]:
         data = json.load(f)
     for b in data.get("benchmarks", []):
         name = b["name"].split("/")[0]
+        if name in ("BM_AuxFrame200", "BM_PipeSetBSplineCurve"):
+            name = "/".join(b["name"].split("/")[:2])  # one row per argument
         if b.get("error_occurred"):
             rows[name] = {"error": b.get("error_message", "error")}
             continue
@@ -55,6 +57,16 @@ what = [
     ("BM_ToothIniUnchanged", "tooth colour INI read per draw, file unchanged"),
     ("BM_ToothIniParsedEveryTime", "the same read parsing the file every time"),
     ("BM_ToothIniMissing", "the same read with no file"),
+    ("BM_AuxFrameBare", "frame + the empty aux registry's Render"),
+    ("BM_AuxFrame200/0", "frame + 200 aux objects (lines, spheres, arrows, circles)"),
+    ("BM_AuxFrame200/1", "frame + 200 aux lines"),
+    ("BM_AuxFrame500Points", "frame + 500 aux spheres"),
+    ("BM_AuxRenderLines", "aux Render alone: 5,000 hidden and 200 visible lines"),
+    ("BM_AuxHitTest200", "aux HitTest over 200 objects"),
+    ("BM_AuxHitTestPolyline500", "aux HitTest over a 500-point polyline"),
+    ("BM_PipeSetBSplineCurve/0", "pipe mesh of an arch curve, coarse"),
+    ("BM_PipeSetBSplineCurve/1", "the same, normal density"),
+    ("BM_PipeSetBSplineCurve/2", "the same, fine"),
 ]
 print()
 print(f"{'benchmark':<28} {'wall ms':>10} {'cpu ms':>10}  what")
@@ -82,6 +94,8 @@ ratio("BM_FullFrame", "BM_BareLoop", "library frame / bare loop (the library's o
 for pick in ("BM_PickTooth", "BM_PickVertex", "BM_PickEdge"):
     ratio(pick, "BM_FullFrame", f"{pick[7:].lower()} pick / one full frame")
 ratio("BM_ReadCase", "BM_GenerateSynthetic", "read the case / generate it")
+for aux in ("BM_AuxFrame200/0", "BM_AuxFrame200/1", "BM_AuxFrame500Points"):
+    ratio(aux, "BM_AuxFrameBare", f"{aux} / the bare frame")
 ratio("BM_ToothIniUnchanged", "BM_ToothIniParsedEveryTime", "INI read with the change check / parsing every time")
 ratio("BM_ToothIniUnchanged", "BM_FullFrame", "one INI read / one full frame")
 print()
