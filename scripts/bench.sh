@@ -40,6 +40,8 @@ for path in sys.argv[1:]:
         name = b["name"].replace("/min_time:0.500", "")
         if not name.startswith("BM_Scale"):
             name = name.split("/")[0]
+        if name in ("BM_AuxFrame200", "BM_PipeSetBSplineCurve"):
+            name = "/".join(b["name"].split("/")[:2])  # one row per argument
         if b.get("error_occurred"):
             rows[name] = {"error": b.get("error_message", "error")}
             continue
@@ -63,6 +65,16 @@ what = [
     ("BM_FirstFrameCompileAll", "shader path: all 12 kept programs compiled, first draw each"),
     ("BM_PerCallMeshCompile", "shader path: one immediate mesh draw's own compile"),
     ("BM_PerCallGumCompile", "shader path: the same for a gum (two compiles)"),
+    ("BM_AuxFrameBare", "frame + the empty aux registry's Render"),
+    ("BM_AuxFrame200/0", "frame + 200 aux objects (lines, spheres, arrows, circles)"),
+    ("BM_AuxFrame200/1", "frame + 200 aux lines"),
+    ("BM_AuxFrame500Points", "frame + 500 aux spheres"),
+    ("BM_AuxRenderLines", "aux Render alone: 5,000 hidden and 200 visible lines"),
+    ("BM_AuxHitTest200", "aux HitTest over 200 objects"),
+    ("BM_AuxHitTestPolyline500", "aux HitTest over a 500-point polyline"),
+    ("BM_PipeSetBSplineCurve/0", "pipe mesh of an arch curve, coarse"),
+    ("BM_PipeSetBSplineCurve/1", "the same, normal density"),
+    ("BM_PipeSetBSplineCurve/2", "the same, fine"),
 ]
 print()
 print(f"{'benchmark':<28} {'wall ms':>10} {'cpu ms':>10}  what")
@@ -99,6 +111,8 @@ ratio("BM_FullFrame", "BM_BareLoop", "library frame / bare loop (the library's o
 for pick in ("BM_PickTooth", "BM_PickVertex", "BM_PickEdge"):
     ratio(pick, "BM_FullFrame", f"{pick[7:].lower()} pick / one full frame")
 ratio("BM_ReadCase", "BM_GenerateSynthetic", "read the case / generate it")
+for aux in ("BM_AuxFrame200/0", "BM_AuxFrame200/1", "BM_AuxFrame500Points"):
+    ratio(aux, "BM_AuxFrameBare", f"{aux} / the bare frame")
 ratio("BM_ToothIniUnchanged", "BM_ToothIniParsedEveryTime", "INI read with the change check / parsing every time")
 ratio("BM_ToothIniUnchanged", "BM_FullFrame", "one INI read / one full frame")
 # The fixed frame against bare loops of the same triangles, by size: with GL's default state and

@@ -144,6 +144,24 @@
 // select
 #include <select/VxOpenGLSelect.h>
 
+// aux
+#include <aux/VxAuxArrow.h>
+#include <aux/VxAuxBox.h>
+#include <aux/VxAuxCircle.h>
+#include <aux/VxAuxCurve.h>
+#include <aux/VxAuxDrawer.h>
+#include <aux/VxAuxFace.h>
+#include <aux/VxAuxLine.h>
+#include <aux/VxAuxMesh.h>
+#include <aux/VxAuxObject.h>
+#include <aux/VxAuxPipeLine.h>
+#include <aux/VxAuxPlane.h>
+#include <aux/VxAuxPoint.h>
+#include <aux/VxAuxPolyline.h>
+#include <aux/VxAuxRender.h>
+#include <aux/VxAuxSurface.h>
+#include <aux/VxAuxTorus.h>
+
 // overlays
 #include <overlays/VxCacheStuff.h>
 

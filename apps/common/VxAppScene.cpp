@@ -10,8 +10,12 @@
 // drawn before every layout switch.
 #include "VxAppScene.h"
 
+#include "VxAppAuxDemo.h"
+
 #include <VxCase.h>
 
+#include <aux/VxAuxObject.h>
+#include <aux/VxAuxRender.h>
 #include <frame/OpenGLVersion.h>
 #include <frame/VxDIBLoader.h>
 #include <frame/VxOpenGLRender.h>
@@ -169,6 +173,9 @@ bool VxAppScene::Open(HWND window, int width, int height, const std::string& bac
 }
 
 void VxAppScene::SetCase(VxCase* c) {
+    // Aux objects stand on the old case's teeth.
+    VxRenderStatus::GetInstance()->GetAuxRender()->Clear();
+    m_auxDemo = false;
     m_case = c;
     VxModel* model = c ? &c->model : nullptr;
     if (c) {
@@ -340,6 +347,51 @@ void VxAppScene::RenderFrame() {
     } else {
         Render()->RenderScene(false);
     }
+    // The host's part of a frame: aux objects after the scene, so their depth passes see it.
+    VxRenderStatus::GetInstance()->GetAuxRender()->Render();
+}
+
+bool VxAppScene::SetAuxDemo(bool on, std::string& error) {
+    VxAuxRender* aux = VxRenderStatus::GetInstance()->GetAuxRender();
+    aux->Clear();
+    m_auxDemo = false;
+    if (!on) {
+        return true;
+    }
+    if (m_case == nullptr) {
+        error = "the aux sample needs a case";
+        return false;
+    }
+    VxPoint focus;
+    m_auxDemo = VxAppAddAuxDemo(*m_case, aux, focus, error) > 0;
+    // The sample's objects are a few millimetres across: in one view, zoom onto the front
+    // teeth where they stand.
+    VxViewRegion* view = Views()->GetView(0);
+    if (m_auxDemo && view != nullptr && !Views()->IsMultiView()) {
+        VxXForm xf = view->GetXForm();
+        xf.SetScale(xf.GetScale() * 2.2);
+        xf.SetTranslation(VxVector(-focus[0], -focus[1], -focus[2]));
+        view->SetXForm(xf);
+    }
+    return m_auxDemo;
+}
+
+std::string VxAppScene::AuxHit(const CPoint& pixel, bool toggle) {
+    VxViewManager* views = Views();
+    if (VxViewRegion* view = views->GetView(pixel)) {
+        views->SetActiveView(view);
+    }
+    RenderFrame();
+    VxAuxRender* aux = VxRenderStatus::GetInstance()->GetAuxRender();
+    aux->HitTest(pixel);
+    VxAuxObject* hit = aux->GetHitObject();
+    if (hit == nullptr) {
+        return std::string();
+    }
+    if (toggle) {
+        aux->DoSelect(pixel);
+    }
+    return VxAppDescribeAux(hit) + (hit->IsSelected() ? " (selected)" : "");
 }
 
 void VxAppScene::Present() {

@@ -58,8 +58,16 @@ public:
     int Width() const { return m_width; }
     int Height() const { return m_height; }
 
-    // One frame into the back buffer, without the swap.
+    // One frame into the back buffer, without the swap: the scene, then the aux registry.
     void RenderFrame();
+    // Puts the sample of aux objects on the patient (true) or clears the registry (false).
+    // False with `error` set when the case cannot carry the sample.
+    bool SetAuxDemo(bool on, std::string& error);
+    bool IsAuxDemo() const { return m_auxDemo; }
+    // Hit test of the aux registry at a pixel (y from the top) after a frame; the hit object is
+    // highlighted in the next frames. Its description, or empty when nothing is hit. With
+    // `toggle` the hit object's selection flips as well.
+    std::string AuxHit(const CPoint& pixel, bool toggle);
     // The swap (and glFlush) of a frame.
     void Present();
     // The whole window as a PNG; call between RenderFrame and Present.
@@ -90,6 +98,7 @@ private:
     VxAppLayout m_layout = VxAppLayout::Single;
     VxAppJaws m_jaws = VxAppJaws::Both;
     VxAppDisplay m_display = VxAppDisplay::Solid;
+    bool m_auxDemo = false;
     // The jaw mask each view got from its layout, before the jaw choice narrows it.
     std::vector<unsigned int> m_layoutMasks;
 };

@@ -211,6 +211,11 @@ const std::vector<Option>& Options() {
              o.editorSample = true;
              return std::string();
          }},
+        {"--aux-demo", nullptr, false,
+         [](const std::string&, VxCliOptions& o) {
+             o.auxDemo = true;
+             return std::string();
+         }},
         {"--quiet", "-q", false,
          [](const std::string&, VxCliOptions& o) {
              o.quiet = true;
@@ -402,6 +407,9 @@ std::string VxCliHelpText() {
          "                         pictures); with no CASE_DIR this writes the synthetic patient\n"
          "      --editor-sample    lay a sample of the gap editor's value cards (.3, 1.2) and\n"
          "                         list rows (text from the library's own font) over the picture\n"
+         "      --aux-demo         draw a sample of every aux object over the patient (sphere,\n"
+         "                         box, arrows, polyline, curve, pipe, planes, circle, torus,\n"
+         "                         face patch)\n"
          "  -q, --quiet            do not list the pictures written\n"
          "  -h, --help             show this text and exit\n"
          "\n"

@@ -43,6 +43,7 @@ struct VxCliOptions {
     std::string writeCase; // non-empty: also save the case (e.g. the synthetic one) there
     // Lay a sample of the gap editor's value cards and list rows over each picture.
     bool editorSample = false;
+    bool auxDemo = false;  // draw the sample of aux objects over the patient
 };
 
 struct VxCliParseResult {

@@ -109,6 +109,10 @@ int VxCliRender(const VxCliOptions& options, std::string& error) {
             return 1;
         }
     }
+    if (options.auxDemo && !scene.SetAuxDemo(true, error)) {
+        error = "--aux-demo: " + error;
+        return 1;
+    }
     const std::vector<int> steps =
         ResolveSteps(options.steps, scene.GetStep(), scene.StepCount(), error);
     if (steps.empty()) {

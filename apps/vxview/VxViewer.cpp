@@ -84,6 +84,8 @@ std::string VxViewer::KeyHelp() {
            "  P                render path: fixed or shader (shader is not available yet)\n"
            "  K                what a click picks: whole objects, vertices, edges\n"
            "  X                clear the selection\n"
+           "  A                aux sample on/off; with it on, a click first tries the aux\n"
+           "                   objects: the hit one is highlighted and its selection toggled\n"
            "  C                save a snapshot (vxview_snapshot_NNN.png in the working folder)\n"
            "  R                reset the view\n"
            "  H                this list\n"
@@ -140,6 +142,14 @@ void VxViewer::Snapshot() {
 }
 
 void VxViewer::PickAt(const CPoint& pixel) {
+    if (m_scene.IsAuxDemo()) {
+        const std::string aux = m_scene.AuxHit(pixel, true);
+        if (!aux.empty()) {
+            PrintState("aux hit: " + aux);
+            m_dirty = true;
+            return;
+        }
+    }
     VxObject* hit = m_scene.Pick(pixel, m_pickKind);
     if (!hit) {
         PrintState("picked nothing");
@@ -233,6 +243,15 @@ void VxViewer::OnKey(int key, int action, int /*mods*/) {
         m_pickKind = static_cast<VxAppScene::PickKind>((static_cast<int>(m_pickKind) + 1) % 3);
         PrintState(std::string("a click picks ") + PickKindName(m_pickKind));
         return;
+    case GLFW_KEY_A: {
+        std::string error;
+        if (m_scene.SetAuxDemo(!m_scene.IsAuxDemo(), error)) {
+            PrintState(m_scene.IsAuxDemo() ? "aux sample: on" : "aux sample: off");
+        } else {
+            PrintState(error);
+        }
+        break;
+    }
     case GLFW_KEY_X:
         m_scene.ClearSelection();
         PrintState("selection cleared");

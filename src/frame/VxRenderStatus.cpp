@@ -1,6 +1,7 @@
 // VxRenderStatus: construction order of the owned objects and the select-type queries.
 #include <frame/VxRenderStatus.h>
 
+#include <aux/VxAuxRender.h>
 #include <frame/VxOpenGLRender.h>
 #include <select/VxOpenGLSelect.h>
 
@@ -18,14 +19,15 @@ VxRenderStatus::VxRenderStatus()
     // runs fine before any context exists.
     m_render = new VxOpenGLRender();
     m_selecter = new VxOpenGLSelect();
-    //   m_auxRender = new VxAuxRender();
+    m_auxRender = new VxAuxRender();
 }
 
 VxRenderStatus::~VxRenderStatus() {
     // Deleted in the order render, aux render, selecter.
     delete m_render;
     m_render = nullptr;
-    //   delete m_auxRender;
+    delete m_auxRender;
+    m_auxRender = nullptr;
     delete m_selecter;
     m_selecter = nullptr;
 }

@@ -1,5 +1,5 @@
 // VxRenderStatus: the process-wide render state. Owns the renderer, the selecter and the
-// off-screen frame buffer (and, once it exists, the aux render) and keeps the select types,
+// off-screen frame buffer and the aux registry, and keeps the select types,
 // display mode, feedback type under the cursor and the zoom rectangle. It draws nothing and
 // touches no GL.
 #pragma once
@@ -22,7 +22,6 @@ public:
     virtual ~VxRenderStatus();
 
     VxOpenGLRender* GetRender() const { return m_render; }
-    // Null until the aux registry joins the library.
     VxAuxRender* GetAuxRender() const { return m_auxRender; }
     VxOpenGLSelect* GetSelecter() const { return m_selecter; }
     VxFrameBufferObj* GetFrameBufObj() { return &m_frameBufObj; }

@@ -1,0 +1,196 @@
+// VxAuxRender: routing, drawing per view and the hit walk of the auxiliary objects.
+#include <aux/VxAuxRender.h>
+
+#include <GL/glew.h>
+
+#include <aux/VxAuxObject.h>
+#include <mesh/VxVBOHandleMgr.h>
+#include <views/VxViewManager.h>
+#include <views/VxViewRegion.h>
+
+#include <algorithm>
+#include <functional>
+
+bool AuxObjectCompare::operator()(const VxAuxObject* a, const VxAuxObject* b) const {
+    const int pa = a->GetHitPriority();
+    const int pb = b->GetHitPriority();
+    if (pa != pb) {
+        return pa > pb;
+    }
+    return std::greater<const VxAuxObject*>()(a, b);
+}
+
+VxAuxRender::VxAuxRender() {
+    // Pipes and meshes free their buffers through the buffer manager when the registry deletes
+    // them. Reaching it here builds it first, so it is destroyed after the registry at exit.
+    VxVBOHandleMgr::GetInstance();
+}
+
+VxAuxRender::~VxAuxRender() {
+    Clear();
+}
+
+std::vector<VxAuxObject*>* VxAuxRender::VectorFor(const VxAuxObject* object) {
+    // A billboard is also a text: testing it first keeps it out of the texts.
+    if (object->IsKindOf(ObjectType_AuxTexture)) {
+        return &m_textures;
+    }
+    if (object->IsKindOf(ObjectType_AuxBillBoard3d)) {
+        return &m_billboards;
+    }
+    if (object->IsKindOf(ObjectType_AuxLine2D)) {
+        return &m_screenLines;
+    }
+    if (object->IsKindOf(ObjectType_AuxText)) {
+        return &m_texts;
+    }
+    return nullptr;
+}
+
+void VxAuxRender::AddAuxObject(VxAuxObject* object) {
+    if (object == nullptr) {
+        return;
+    }
+    std::vector<VxAuxObject*>* v = VectorFor(object);
+    if (v == nullptr) {
+        m_objects.insert(object);
+    } else if (std::find(v->begin(), v->end(), object) == v->end()) {
+        // A second pointer to the same object would be deleted twice by Clear.
+        v->push_back(object);
+    }
+}
+
+void VxAuxRender::RemoveAuxObject(VxAuxObject* object, bool deleteObject) {
+    if (object == nullptr) {
+        return;
+    }
+    std::vector<VxAuxObject*>* v = VectorFor(object);
+    bool found = false;
+    if (v == nullptr) {
+        found = m_objects.erase(object) != 0;
+    } else {
+        auto it = std::find(v->begin(), v->end(), object);
+        if (it != v->end()) {
+            v->erase(it);
+            found = true;
+        }
+    }
+    if (!found) {
+        return;
+    }
+    if (m_hitObject == object) {
+        m_hitObject = nullptr;
+    }
+    if (deleteObject) {
+        delete object;
+    }
+}
+
+void VxAuxRender::Clear() {
+    for (VxAuxObject* o : m_objects) {
+        delete o;
+    }
+    m_objects.clear();
+    for (std::vector<VxAuxObject*>* v : {&m_textures, &m_billboards, &m_screenLines, &m_texts}) {
+        for (VxAuxObject* o : *v) {
+            delete o;
+        }
+        v->clear();
+    }
+    // The pointer would dangle; Render and DoSelect would touch a freed object.
+    m_hitObject = nullptr;
+}
+
+namespace {
+
+void LoadView(VxViewRegion* view) {
+    glViewport(view->Origin().x, view->Origin().y, view->Width(), view->Height());
+    glMatrixMode(GL_MODELVIEW);
+    glPushMatrix();
+    glLoadMatrixd(view->GetModelViewMatrix());
+}
+
+} // namespace
+
+void VxAuxRender::Render() {
+    for (VxViewRegion* view : VxViewManager::GetInstance()->GetAllViews()) {
+        LoadView(view);
+        // Hook: textures draw only in their related view, billboards take the view first and
+        // texts take it as an argument (and type-4 texts draw once below) when those classes
+        // join; until then each draws plainly in every view.
+        for (VxAuxObject* o : m_textures) {
+            o->Draw();
+        }
+        for (VxAuxObject* o : m_billboards) {
+            o->Draw();
+        }
+        for (VxAuxObject* o : m_texts) {
+            o->Draw();
+        }
+        for (VxAuxObject* o : m_objects) {
+            o->Draw();
+        }
+        if (m_hitObject != nullptr) {
+            m_hitObject->DrawHighlight();
+        }
+        glPopMatrix();
+    }
+    // Screen lines are drawn once for the whole window, not per view.
+    glMatrixMode(GL_MODELVIEW);
+    glPushMatrix();
+    for (VxAuxObject* o : m_screenLines) {
+        o->Draw();
+    }
+    glPopMatrix();
+}
+
+void VxAuxRender::DrawAuxObject(VxAuxObject* object) {
+    VxViewRegion* view = VxViewManager::GetInstance()->GetActiveView();
+    if (view != nullptr) {
+        DrawAuxObject(view, object);
+    }
+}
+
+void VxAuxRender::DrawAuxObject(VxViewRegion* view, VxAuxObject* object) {
+    if (view == nullptr || object == nullptr) {
+        return;
+    }
+    glPushAttrib(GL_VIEWPORT_BIT);
+    LoadView(view);
+    object->Draw();
+    glPopMatrix();
+    glPopAttrib();
+}
+
+void VxAuxRender::HitTest(const CPoint& point) {
+    m_hitObject = nullptr;
+    for (VxAuxObject* o : m_objects) {
+        if (!o->IsVisible() || !o->IsHitable()) {
+            continue;
+        }
+        if (o->HitTest(point.x, point.y)) {
+            m_hitObject = o;
+            if (o->StopHit()) {
+                break;
+            }
+        }
+    }
+    // Textures and billboards: the last added lies on top; their flags are not consulted.
+    for (std::vector<VxAuxObject*>* v : {&m_textures, &m_billboards}) {
+        if (m_hitObject != nullptr) {
+            return;
+        }
+        for (auto it = v->rbegin(); it != v->rend(); ++it) {
+            if ((*it)->HitTest(point.x, point.y)) {
+                m_hitObject = *it;
+                break;
+            }
+        }
+    }
+}
+
+void VxAuxRender::DoSelect(const CPoint&) {
+    if (m_hitObject != nullptr) {
+        m_hitObject->SetSelected(!m_hitObject->IsSelected());
+    }
+}
