@@ -192,13 +192,19 @@ bool PngWithinBounds(const unsigned char* p, size_t n) {
 
 // Huffman tables of one DHT segment: stb's reader takes each table's sixteen code counts as they
 // come and writes that many sizes and symbols into arrays of 257 and 256, so a table of more
-// than 256 codes would write past them.
-bool HuffmanTablesFit(const unsigned char* p, size_t length) {
+// than 256 codes would write past them. Marks the tables defined (bits 0-3 DC, 4-7 AC).
+bool HuffmanTablesFit(const unsigned char* p, size_t length, unsigned& defined) {
     size_t at = 0;
     while (at < length) {
         if (length - at < 17) {
             return false;
         }
+        const unsigned cls = p[at] >> 4;
+        const unsigned slot = p[at] & 15;
+        if (cls > 1 || slot > 3) {
+            return false;
+        }
+        defined |= 1u << (cls * 4 + slot);
         size_t codes = 0;
         for (size_t i = 1; i <= 16; ++i) {
             codes += p[at + i];
@@ -217,11 +223,17 @@ bool HuffmanTablesFit(const unsigned char* p, size_t length) {
 // hundred bytes cannot make the decoder fill tens of megabytes with nothing. Segments behind a
 // scan (the tables of a progressive file) are found the way the decoder finds them, by skipping
 // the entropy-coded bytes to the next marker. A file cut off inside a scan is left to the decoder.
+// stb keeps its tables in memory it does not clear, so a scan may only use Huffman tables and
+// its components only quantisation tables that the file has defined before it.
 bool JpegWithinBounds(const unsigned char* p, size_t n) {
     size_t at = 2;
     bool haveFrame = false;
     bool haveScan = false;
+    bool progressive = false;
     uint64_t pixels = 0;
+    unsigned huffman = 0;
+    unsigned quantisers = 0;
+    unsigned frameQuantisers = 0;
     while (at < n) {
         if (p[at] != 0xFF) {
             return false;
@@ -258,16 +270,45 @@ bool JpegWithinBounds(const unsigned char* p, size_t n) {
             if (length != 8 + 3 * components || !DimensionsAllowed(width, height)) {
                 return false;
             }
+            for (size_t c = 0; c < components; ++c) {
+                frameQuantisers |= 1u << (p[at + 10 + 3 * c] & 15);
+            }
             pixels = width * height;
+            progressive = marker == 0xC2;
             haveFrame = true;
-        } else if (marker == 0xC4 && !HuffmanTablesFit(p + at + 2, length - 2)) {
+        } else if (marker == 0xC4 && !HuffmanTablesFit(p + at + 2, length - 2, huffman)) {
             return false;
+        } else if (marker == 0xDB) {
+            // Tables of 65 or 129 bytes; the decoder refuses a bad precision or slot itself.
+            for (size_t t = at + 2; t < at + length; t += (p[t] >> 4) ? 129 : 65) {
+                quantisers |= 1u << (p[t] & 15);
+            }
+        }
+        if (marker == 0xDA) {
+            if (!haveFrame || pixels > uint64_t(n) * 8 * 64 * 16 || length < 3 ||
+                (frameQuantisers & ~quantisers) != 0) {
+                return false;
+            }
+            const size_t count = p[at + 2];
+            if (length < 6 + 2 * count) {
+                return false;
+            }
+            // A progressive scan uses the DC tables when it starts at coefficient 0, else the AC
+            // tables; a sequential scan uses both.
+            const bool dcScan = !progressive || p[at + 3 + 2 * count] == 0;
+            const bool acScan = !progressive || p[at + 3 + 2 * count] != 0;
+            for (size_t c = 0; c < count; ++c) {
+                const unsigned tables = p[at + 4 + 2 * c];
+                const unsigned dc = tables >> 4;
+                const unsigned ac = tables & 15;
+                if ((dcScan && (dc > 3 || !(huffman & (1u << dc)))) ||
+                    (acScan && (ac > 3 || !(huffman & (1u << (4 + ac)))))) {
+                    return false;
+                }
+            }
         }
         at += length;
         if (marker == 0xDA) {
-            if (!haveFrame || pixels > uint64_t(n) * 8 * 64 * 16) {
-                return false;
-            }
             haveScan = true;
             // Entropy-coded bytes: a 0xFF is followed by 0 (a stuffed byte), a restart marker or
             // more 0xFF; anything else starts the next segment.
