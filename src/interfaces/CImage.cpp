@@ -84,8 +84,7 @@ unsigned Le16(const unsigned char* p) {
 
 // stb's BMP reader reads zeros past the end of the data, so a cut-off file would come out as a
 // picture with a black part. Uncompressed rows have a known size: a file too short for them is
-// refused here. (A cut-off JPEG still loads with its missing part grey, as desktop viewers show
-// it; a cut-off PNG fails in the decoder.)
+// refused here. (A cut-off JPEG or PNG fails in the decoder: stb wants the JPEG's end marker.)
 bool BmpPixelDataComplete(const unsigned char* p, size_t n) {
     if (n < 2 || p[0] != 'B' || p[1] != 'M') {
         return true;
