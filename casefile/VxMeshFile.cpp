@@ -394,6 +394,86 @@ private:
     const char* m_cursor = nullptr;
 };
 
+// The shape of an ASCII STL file, checked before assimp sees it. assimp 5.2 allocates a mesh and
+// a node for each solid before reading its facets and loses both when it then gives up on a
+// damaged file, 2,464 bytes a time; a host that keeps loading damaged files would grow without
+// end. Files it would give up on (a facet cut short, a solid without facets, a vertex that is not
+// three numbers) are therefore refused here, with the line where the shape breaks.
+bool AsciiStlWellFormed(const unsigned char* data, std::size_t size, std::string& error) {
+    std::size_t pos = 0;
+    std::size_t line = 1;
+    std::size_t tokenLine = 1;
+    // The next whitespace-separated word; empty at the end of the data.
+    const auto next = [&]() {
+        while (pos < size && std::isspace(data[pos])) {
+            line += data[pos] == '\n';
+            ++pos;
+        }
+        tokenLine = line;
+        const std::size_t start = pos;
+        while (pos < size && !std::isspace(data[pos])) {
+            ++pos;
+        }
+        return std::string(reinterpret_cast<const char*>(data) + start, pos - start);
+    };
+    const auto restOfLine = [&]() {
+        while (pos < size && data[pos] != '\n') {
+            ++pos;
+        }
+    };
+    const auto fail = [&](const std::string& what) {
+        error = "line " + std::to_string(tokenLine) + ": " + what;
+        return false;
+    };
+    const auto expect = [&](const char* word) {
+        const std::string got = next();
+        return got == word ? true
+                           : fail(std::string("expected \"") + word + "\", found \"" +
+                                  got.substr(0, 32) + "\"");
+    };
+    const auto numbers = [&](int count) {
+        for (int i = 0; i < count; ++i) {
+            const std::string word = next();
+            char* end = nullptr;
+            std::strtod(word.c_str(), &end);
+            if (word.empty() || end != word.c_str() + word.size()) {
+                return fail("expected a number, found \"" + word.substr(0, 32) + "\"");
+            }
+        }
+        return true;
+    };
+    std::string word = next();
+    if (word != "solid") {
+        return fail("expected \"solid\"");
+    }
+    while (word == "solid") {
+        restOfLine(); // the solid's name
+        int facets = 0;
+        for (word = next(); word == "facet"; word = next(), ++facets) {
+            if (!expect("normal") || !numbers(3) || !expect("outer") || !expect("loop")) {
+                return false;
+            }
+            for (int k = 0; k < 3; ++k) {
+                if (!expect("vertex") || !numbers(3)) {
+                    return false;
+                }
+            }
+            if (!expect("endloop") || !expect("endfacet")) {
+                return false;
+            }
+        }
+        if (word != "endsolid") {
+            return fail("expected \"facet\" or \"endsolid\", found \"" + word.substr(0, 32) + "\"");
+        }
+        if (facets == 0) {
+            return fail("a solid without facets");
+        }
+        restOfLine(); // the name again
+        word = next();
+    }
+    return word.empty() ? true : fail("expected \"solid\" or the end of the file");
+}
+
 // What assimp is allowed to see. Without this a damaged file would be handed to whichever of
 // its other importers claims the bytes.
 bool LooksLike(const unsigned char* data, std::size_t size, VxMeshFormat format,
@@ -410,7 +490,7 @@ bool LooksLike(const unsigned char* data, std::size_t size, VxMeshFormat format,
             }
         }
         if (StartsWith(data, size, "solid")) {
-            return true;
+            return AsciiStlWellFormed(data, size, error);
         }
         error = "header: neither binary STL (size does not match the triangle count) nor ASCII "
                 "STL (no \"solid\")";

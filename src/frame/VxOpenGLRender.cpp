@@ -29,6 +29,8 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <memory>
+#include <vector>
 
 namespace {
 
@@ -40,6 +42,13 @@ constexpr GLbitfield kLeftDownAttribs = 0x2141; // enable, depth, lighting, curr
 constexpr int kFeedbackNoScore = 0x10000;
 // A window-depth difference below this counts as the same surface.
 constexpr double kVisibleDepthTolerance = 0.002;
+
+// Every context Create has made. None is ever released, not even at exit, since a host may still
+// draw from its own teardown; the list keeps each one owned and reachable rather than dropped.
+std::vector<std::unique_ptr<VxGLContext>>& MadeContexts() {
+    static auto* contexts = new std::vector<std::unique_ptr<VxGLContext>>();
+    return *contexts;
+}
 
 // One walk over the entity list in list order: every undeleted, visible entity that the filter
 // accepts goes to the drawer its manager has for its type, view first, then the entity. An
@@ -117,7 +126,8 @@ bool VxOpenGLRender::Create(HWND window, int depthBits, int stencilBits) {
     // host relies on that.
     m_window = window;
     // A context from an earlier Create is not released; nothing in the library releases one.
-    m_glContext = new VxGLContext();
+    MadeContexts().push_back(std::make_unique<VxGLContext>());
+    m_glContext = MadeContexts().back().get();
     if (!m_glContext->GetDC(window)) {
         return false;
     }

@@ -2,12 +2,37 @@
 // Decoding goes only to stb's PNG, JPEG and BMP readers (chosen by the file's signature) and only
 // after the header's size has been checked, so a damaged or hostile file costs neither the other
 // decoders' attack surface nor a huge allocation.
+//
+// stb_image and stb_image_write are compiled into this file with static linkage. Other packages
+// in a host process (a mesh importer, for one) carry and export their own copy of stb; with
+// ordinary symbols the dynamic linker would hand our calls to whichever copy loaded first, an
+// uninstrumented build of unknown version. Static functions leave nothing to bind to. This file
+// is built with -fwrapv, so the decoders' int overflows on hostile input wrap instead of being
+// undefined; what can overrun memory is refused before decoding (see WithinBounds).
 #include <interfaces/CImage.h>
 
 #include <interfaces/CString.h>
 
+#define STB_IMAGE_STATIC
+#define STB_IMAGE_IMPLEMENTATION
+#define STBI_ONLY_PNG
+#define STBI_ONLY_JPEG
+#define STBI_ONLY_BMP
+#define STB_IMAGE_WRITE_STATIC
+#define STB_IMAGE_WRITE_IMPLEMENTATION
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wunused-function"
+#pragma GCC diagnostic ignored "-Wmissing-field-initializers"
+#pragma GCC diagnostic ignored "-Wsign-compare"
+#pragma GCC diagnostic ignored "-Wunused-parameter"
+#pragma GCC diagnostic ignored "-Wimplicit-fallthrough"
+#endif
 #include <stb_image.h>
 #include <stb_image_write.h>
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
 
 #include <algorithm>
 #include <cstdint>
@@ -59,8 +84,7 @@ unsigned Le16(const unsigned char* p) {
 
 // stb's BMP reader reads zeros past the end of the data, so a cut-off file would come out as a
 // picture with a black part. Uncompressed rows have a known size: a file too short for them is
-// refused here. (A cut-off JPEG still loads with its missing part grey, as desktop viewers show
-// it; a cut-off PNG fails in the decoder.)
+// refused here. (A cut-off JPEG or PNG fails in the decoder: stb wants the JPEG's end marker.)
 bool BmpPixelDataComplete(const unsigned char* p, size_t n) {
     if (n < 2 || p[0] != 'B' || p[1] != 'M') {
         return true;
@@ -93,6 +117,220 @@ bool BmpPixelDataComplete(const unsigned char* p, size_t n) {
     }
     const uint64_t stride = ((width * bpp + 31) / 32) * 4;
     return offset + stride * height <= n;
+}
+
+uint32_t Be32(const unsigned char* p) {
+    return (uint32_t(p[0]) << 24) | (uint32_t(p[1]) << 16) | (uint32_t(p[2]) << 8) | uint32_t(p[3]);
+}
+
+unsigned Be16(const unsigned char* p) {
+    return (unsigned(p[0]) << 8) | unsigned(p[1]);
+}
+
+// The side and area a decoder may be asked for; an allocation of the decoded picture is then
+// at most 512 MB, and the area cap below keeps it far smaller.
+constexpr uint64_t kMaxSide = 16384;
+
+bool DimensionsAllowed(uint64_t width, uint64_t height) {
+    return width > 0 && height > 0 && width <= kMaxSide && height <= kMaxSide &&
+           width * height <= uint64_t(kMaxPixels);
+}
+
+// stb's PNG reader trusts each chunk's length: it grows its buffer to the declared IDAT size
+// before it notices the data is not there, so 150 bytes can ask for gigabytes. Every chunk must
+// therefore lie inside the data, IHDR must give an allowed size, and the compressed data must be
+// able to hold the declared picture at all (deflate expands by at most 1032 to 1).
+bool PngWithinBounds(const unsigned char* p, size_t n) {
+    size_t at = 8;
+    uint64_t width = 0;
+    uint64_t height = 0;
+    uint64_t bitsPerPixel = 0;
+    uint64_t compressed = 0;
+    bool haveHeader = false;
+    for (int index = 0; at < n; ++index) {
+        if (n - at < 12) {
+            return false;
+        }
+        const uint64_t length = Be32(p + at);
+        const unsigned char* type = p + at + 4;
+        if (length > n - at - 12) {
+            return false;
+        }
+        if (std::memcmp(type, "IHDR", 4) == 0) {
+            // Only the first chunk, or the second behind an Apple "CgBI" marker, is a header.
+            if (haveHeader || index > 1 || length != 13) {
+                return false;
+            }
+            width = Be32(p + at + 8);
+            height = Be32(p + at + 12);
+            const unsigned depth = p[at + 16];
+            const unsigned colour = p[at + 17];
+            const unsigned channels = colour == 0 || colour == 3 ? 1
+                                      : colour == 2              ? 3
+                                      : colour == 4              ? 2
+                                      : colour == 6              ? 4
+                                                                 : 0;
+            if (channels == 0 || depth == 0 || depth > 16 || !DimensionsAllowed(width, height)) {
+                return false;
+            }
+            bitsPerPixel = uint64_t(depth) * channels;
+            haveHeader = true;
+        } else if (std::memcmp(type, "IDAT", 4) == 0) {
+            compressed += length;
+        } else if (std::memcmp(type, "IEND", 4) == 0) {
+            break;
+        }
+        at += size_t(length) + 12;
+    }
+    if (!haveHeader) {
+        return false;
+    }
+    const uint64_t raw = height * (1 + (width * bitsPerPixel + 7) / 8);
+    return raw <= compressed * 1032;
+}
+
+// Huffman tables of one DHT segment: stb's reader takes each table's sixteen code counts as they
+// come and writes that many sizes and symbols into arrays of 257 and 256, so a table of more
+// than 256 codes would write past them. Marks the tables defined (bits 0-3 DC, 4-7 AC).
+bool HuffmanTablesFit(const unsigned char* p, size_t length, unsigned& defined) {
+    size_t at = 0;
+    while (at < length) {
+        if (length - at < 17) {
+            return false;
+        }
+        const unsigned cls = p[at] >> 4;
+        const unsigned slot = p[at] & 15;
+        if (cls > 1 || slot > 3) {
+            return false;
+        }
+        defined |= 1u << (cls * 4 + slot);
+        size_t codes = 0;
+        for (size_t i = 1; i <= 16; ++i) {
+            codes += p[at + i];
+        }
+        if (codes > 256 || codes > length - at - 17) {
+            return false;
+        }
+        at += 17 + codes;
+    }
+    return true;
+}
+
+// The JPEG counterpart: every marker segment must lie inside the data, a frame header must come
+// before the first scan and give an allowed size, and the file must be big enough for a
+// sixteenth of the smallest possible scan of that size (one bit per 8 x 8 block), so a few
+// hundred bytes cannot make the decoder fill tens of megabytes with nothing. Segments behind a
+// scan (the tables of a progressive file) are found the way the decoder finds them, by skipping
+// the entropy-coded bytes to the next marker. A file cut off inside a scan is left to the decoder.
+// stb keeps its tables in memory it does not clear, so a scan may only use Huffman tables and
+// its components only quantisation tables that the file has defined before it.
+bool JpegWithinBounds(const unsigned char* p, size_t n) {
+    size_t at = 2;
+    bool haveFrame = false;
+    bool haveScan = false;
+    bool progressive = false;
+    uint64_t pixels = 0;
+    unsigned huffman = 0;
+    unsigned quantisers = 0;
+    unsigned frameQuantisers = 0;
+    while (at < n) {
+        if (p[at] != 0xFF) {
+            return false;
+        }
+        while (at < n && p[at] == 0xFF) {
+            ++at; // fill bytes
+        }
+        if (at >= n) {
+            break;
+        }
+        const unsigned marker = p[at++];
+        if (marker == 0xD9) {
+            break;
+        }
+        if (marker == 0xD8 || (marker >= 0xD0 && marker <= 0xD7) || marker == 0x01) {
+            continue;
+        }
+        if (n - at < 2) {
+            return false;
+        }
+        const size_t length = Be16(p + at);
+        if (length < 2 || length > n - at) {
+            return false;
+        }
+        const bool frame =
+            marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
+        if (frame) {
+            if (haveFrame || length < 8) {
+                return false;
+            }
+            const uint64_t height = Be16(p + at + 3);
+            const uint64_t width = Be16(p + at + 5);
+            const size_t components = p[at + 7];
+            if (length != 8 + 3 * components || !DimensionsAllowed(width, height)) {
+                return false;
+            }
+            for (size_t c = 0; c < components; ++c) {
+                frameQuantisers |= 1u << (p[at + 10 + 3 * c] & 15);
+            }
+            pixels = width * height;
+            progressive = marker == 0xC2;
+            haveFrame = true;
+        } else if (marker == 0xC4 && !HuffmanTablesFit(p + at + 2, length - 2, huffman)) {
+            return false;
+        } else if (marker == 0xDB) {
+            // Tables of 65 or 129 bytes; the decoder refuses a bad precision or slot itself.
+            for (size_t t = at + 2; t < at + length; t += (p[t] >> 4) ? 129 : 65) {
+                quantisers |= 1u << (p[t] & 15);
+            }
+        }
+        if (marker == 0xDA) {
+            if (!haveFrame || pixels > uint64_t(n) * 8 * 64 * 16 || length < 3 ||
+                (frameQuantisers & ~quantisers) != 0) {
+                return false;
+            }
+            const size_t count = p[at + 2];
+            if (length < 6 + 2 * count) {
+                return false;
+            }
+            // A progressive scan uses the DC tables when it starts at coefficient 0, else the AC
+            // tables; a sequential scan uses both.
+            const bool dcScan = !progressive || p[at + 3 + 2 * count] == 0;
+            const bool acScan = !progressive || p[at + 3 + 2 * count] != 0;
+            for (size_t c = 0; c < count; ++c) {
+                const unsigned tables = p[at + 4 + 2 * c];
+                const unsigned dc = tables >> 4;
+                const unsigned ac = tables & 15;
+                if ((dcScan && (dc > 3 || !(huffman & (1u << dc)))) ||
+                    (acScan && (ac > 3 || !(huffman & (1u << (4 + ac)))))) {
+                    return false;
+                }
+            }
+        }
+        at += length;
+        if (marker == 0xDA) {
+            haveScan = true;
+            // Entropy-coded bytes: a 0xFF is followed by 0 (a stuffed byte), a restart marker or
+            // more 0xFF; anything else starts the next segment.
+            while (at + 1 < n && !(p[at] == 0xFF && p[at + 1] != 0x00 && p[at + 1] != 0xFF &&
+                                   !(p[at + 1] >= 0xD0 && p[at + 1] <= 0xD7))) {
+                ++at;
+            }
+            if (at + 1 >= n) {
+                break;
+            }
+        }
+    }
+    return haveScan;
+}
+
+bool WithinBounds(const unsigned char* p, size_t n) {
+    if (n >= 8 && p[0] == 0x89 && p[1] == 'P') {
+        return PngWithinBounds(p, n);
+    }
+    if (n >= 3 && p[0] == 0xFF && p[1] == 0xD8) {
+        return JpegWithinBounds(p, n);
+    }
+    return BmpPixelDataComplete(p, n);
 }
 
 } // namespace
@@ -236,7 +474,7 @@ HRESULT CImage::LoadFromMemory(const void* data, size_t size) {
     Destroy();
     const auto* bytes = static_cast<const unsigned char*>(data);
     if (!bytes || size == 0 || size > size_t(std::numeric_limits<int>::max()) ||
-        !HasKnownSignature(bytes, size) || !BmpPixelDataComplete(bytes, size)) {
+        !HasKnownSignature(bytes, size) || !WithinBounds(bytes, size)) {
         return E_FAIL;
     }
     int w = 0;

@@ -18,7 +18,7 @@
 class CImage {
 public:
     static constexpr DWORD createAlphaChannel = 0x01;
-    enum DIBOrientation { DIBOR_DEFAULT, DIBOR_TOPDOWN, DIBOR_BOTTOMUP };
+    enum DIBOrientation : int { DIBOR_DEFAULT, DIBOR_TOPDOWN, DIBOR_BOTTOMUP };
 
     CImage() = default;
     ~CImage();

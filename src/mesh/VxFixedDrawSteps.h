@@ -29,14 +29,14 @@ struct VxPlacement {
 class VxFixedDrawSteps {
 public:
     // Which entries of the DrawInfo_s set a draw uses.
-    enum PlacementRule {
+    enum PlacementRule : int {
         Placement_All,         // every entry with its flag; none: once without matrix
         Placement_Once,        // once, without matrix
         Placement_LimitedOnly, // the flagged entries, opaque; none: once without matrix
         Placement_Nothing,
     };
     // The kinds with a row of their own in the display-mode table.
-    enum Kind { Kind_Tooth, Kind_Gum, Kind_Attachment, Kind_Jaw };
+    enum Kind : int { Kind_Tooth, Kind_Gum, Kind_Attachment, Kind_Jaw };
 
     // The rule for a kind in a view (display mode of VxViewManager, step of the view). isCmp is
     // the comparison flag of a gum or attachment. A null view counts as a normal view.

@@ -66,7 +66,7 @@ public:
     // is not empty and has a valid frame; the identity without one. 3 x 3.
     static VxMatrix GetReferenceRotation(VxModel& model);
     // The fixed view matrices the layouts multiply with the reference rotation. 3 x 3.
-    enum FixedView {
+    enum FixedView : int {
         View_Front,
         View_Left,
         View_Right,

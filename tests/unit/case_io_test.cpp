@@ -1095,3 +1095,52 @@ TEST(CaseIO, SyntheticPatientRoundTrips) {
     ExpectSameCase(*original, back);
 }
 #endif
+
+// ASCII STL is checked for its shape before the importer sees it: a damaged file fails with the
+// line where the shape breaks and leaves the target mesh alone, a well-formed one of two solids
+// loads whole.
+TEST(MeshFile, DamagedAsciiStlFailsWithItsLine) {
+    const std::string facet = "  facet normal 0 0 1\n    outer loop\n      vertex 0 0 0\n"
+                              "      vertex 1 0 0\n      vertex 0 1 0\n    endloop\n  endfacet\n";
+    const std::string good =
+        "solid a\n" + facet + "endsolid a\nsolid b\n" + facet + facet + "endsolid b\n";
+    auto load = [](const std::string& text, VxMesh& mesh, std::string& error) {
+        return VxMeshFile::LoadFromMemory(text.data(), text.size(), VxMeshFormat::Stl, mesh, error);
+    };
+    VxMesh mesh;
+    std::string error;
+    ASSERT_TRUE(load(good, mesh, error)) << error;
+    EXPECT_EQ(mesh.GetFaceCount(), 3);
+
+    // Every cut at a line end short of the last line, but for the one that leaves solid a whole:
+    // refused, nothing added to the target.
+    const std::size_t firstSolidEnd = good.find("endsolid a\n") + 10;
+    for (std::size_t cut = good.find('\n'); cut + 1 < good.size(); cut = good.find('\n', cut + 1)) {
+        if (cut == firstSolidEnd) {
+            continue;
+        }
+        VxMesh target;
+        target.AddVertex(VxPoint(1, 2, 3));
+        std::string why;
+        EXPECT_FALSE(load(good.substr(0, cut + 1), target, why)) << cut;
+        EXPECT_EQ(why.rfind("line ", 0), 0u) << why;
+        EXPECT_EQ(target.GetVertexCount(), 1);
+    }
+    const struct {
+        std::string text;
+        const char* error;
+    } damaged[] = {
+        {"solid empty\nendsolid empty\n", "line 2: a solid without facets"},
+        {"solid a\n" + facet.substr(0, facet.find("vertex 1 0 0") + 10) + "\nvertex 0 1 0\n",
+         "line 6: expected a number, found \"vertex\""},
+        {"solid a\n" + facet + "endsolid a\ntrailing\n", "line 10: expected \"solid\" or the end"},
+        {"solid a\n  facet normal 0 0 1\n    outer loop\n      vertex 0 0 0\n    endloop\n",
+         "line 5: expected \"vertex\", found \"endloop\""},
+    };
+    for (const auto& d : damaged) {
+        VxMesh target;
+        std::string why;
+        EXPECT_FALSE(load(d.text, target, why));
+        EXPECT_EQ(why.rfind(d.error, 0), 0u) << why;
+    }
+}

@@ -390,3 +390,83 @@ TEST(ImageFileTest, DamagedFilesGiveANullImage) {
     EXPECT_EQ(img.LoadFromMemory(whole.data(), 20), E_FAIL);
     EXPECT_TRUE(img.IsNull());
 }
+
+// Declared sizes are checked before any decoder runs: a header that promises more than the data
+// can hold, or a picture beyond the size caps, is refused quietly like a corrupt file.
+TEST(ImageFileTest, DeclaredSizesBeyondTheDataAreRefused) {
+    std::vector<unsigned char> grey(size_t(16 * 16), 90);
+    const std::string pngPath = OutPath("bounds.png");
+    ASSERT_TRUE(stbi_write_png(pngPath.c_str(), 16, 16, 1, grey.data(), 16));
+    const std::vector<unsigned char> png = ReadFile(pngPath);
+    // The JPEG is noise, so that its scan is long enough to be cut in the middle.
+    const std::vector<unsigned char> noise = RandomBytes(size_t(32 * 32), 7);
+    const std::string jpgPath = OutPath("bounds.jpg");
+    ASSERT_TRUE(stbi_write_jpg(jpgPath.c_str(), 32, 32, 1, noise.data(), 90));
+    const std::vector<unsigned char> jpg = ReadFile(jpgPath);
+    CImage img;
+    ASSERT_EQ(img.LoadFromMemory(png.data(), png.size()), S_OK);
+    ASSERT_EQ(img.LoadFromMemory(jpg.data(), jpg.size()), S_OK);
+
+    auto refused = [](const std::vector<unsigned char>& bytes) {
+        CImage t;
+        return t.LoadFromMemory(bytes.data(), bytes.size()) == E_FAIL && t.IsNull();
+    };
+    auto put32be = [](std::vector<unsigned char>& v, size_t at, uint32_t x) {
+        for (int i = 0; i < 4; ++i) {
+            v[at + size_t(i)] = static_cast<unsigned char>(x >> (24 - 8 * i));
+        }
+    };
+    // PNG: IHDR's width and height sit at 16 and 20, the first chunk after it at 33.
+    std::vector<unsigned char> wide = png;
+    put32be(wide, 16, 16385);
+    EXPECT_TRUE(refused(wide));
+    // 16 x 4000 grey is 196,000 bytes of rows; a few dozen compressed bytes cannot hold them.
+    std::vector<unsigned char> tall = png;
+    put32be(tall, 20, 4000);
+    EXPECT_TRUE(refused(tall));
+    std::vector<unsigned char> longChunk = png;
+    put32be(longChunk, 33, 0x50000000);
+    EXPECT_TRUE(refused(longChunk));
+    // A 156-byte file whose second data chunk declares 1.3 GB once made the decoder ask for 2 GiB.
+    const std::vector<unsigned char> repro = ReadFile(
+        VxTestSourceDir() + "/fuzz/corpus/fuzz_image_load/oom-png-idat-declares-1.3gb.png");
+    ASSERT_EQ(repro.size(), 156u);
+    EXPECT_TRUE(refused(repro));
+
+    // JPEG: the frame header (FF C0, length, precision, height, width).
+    size_t sof = 0;
+    for (size_t i = 2; i + 9 < jpg.size(); ++i) {
+        if (jpg[i] == 0xFF && jpg[i + 1] == 0xC0) {
+            sof = i;
+            break;
+        }
+    }
+    ASSERT_GT(sof, 0u);
+    auto withSize = [&](unsigned w, unsigned h) {
+        std::vector<unsigned char> v = jpg;
+        v[sof + 5] = static_cast<unsigned char>(h >> 8);
+        v[sof + 6] = static_cast<unsigned char>(h);
+        v[sof + 7] = static_cast<unsigned char>(w >> 8);
+        v[sof + 8] = static_cast<unsigned char>(w);
+        return v;
+    };
+    EXPECT_TRUE(refused(withSize(20000, 16)));
+    EXPECT_TRUE(refused(withSize(16, 0)));
+    // 4000 x 4000 is inside the caps, but far more than a few thousand bytes can describe: it
+    // would decode to 16 million grey pixels.
+    ASSERT_LT(jpg.size(), 4000u * 4000u / 8192);
+    EXPECT_TRUE(refused(withSize(4000, 4000)));
+    // A segment running past the end of the file.
+    std::vector<unsigned char> longSegment = jpg;
+    longSegment[sof + 2] = 0xFF;
+    EXPECT_TRUE(refused(longSegment));
+    // A Huffman table of 300 codes, where the decoder has room for 256: put first, the rest of
+    // the file intact.
+    std::vector<unsigned char> bigTable = {0xFF, 0xD8, 0xFF, 0xC4, 0x01, 0x3F, 0x00};
+    for (int i = 0; i < 16; ++i) {
+        bigTable.push_back(i == 7 ? 255 : i == 8 ? 45 : 0);
+    }
+    bigTable.resize(bigTable.size() + 300, 0x01);
+    bigTable.insert(bigTable.end(), jpg.begin() + 2, jpg.end());
+    EXPECT_TRUE(refused(bigTable));
+}
