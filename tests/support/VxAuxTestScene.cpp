@@ -18,7 +18,13 @@
 #include <views/VxViewManager.h>
 #include <views/VxViewRegion.h>
 
+#include "VxTestBmp.h"
+#include "VxTestPaths.h"
+
+#include <interfaces/CString.h>
+
 #include <algorithm>
+#include <string>
 #include <memory>
 
 namespace {
@@ -52,6 +58,12 @@ bool VxAuxTestScene::Open(int width, int height) {
     g_bDIBShowMessage = false;
     g_window = VxNativeWindow::CreateOffscreen(width, height);
     VxOpenGLRender* render = Render();
+    // The pixel checks tell the objects from a plain white page; without a picture the window
+    // would be black.
+    const std::string white = VxTestOutputDir() + "/aux_scene_white.bmp";
+    if (VxWriteBmp24(white, 4, 4, VxTestRgb{255, 255, 255})) {
+        render->SetBkGround(CString::FromUtf8(white));
+    }
     if (!g_window || !render->Create(g_window.get(), 24, 8) || !render->GetGLContext()) {
         return false;
     }
