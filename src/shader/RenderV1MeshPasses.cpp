@@ -333,7 +333,13 @@ void RenderV1::DrawQueue(const std::vector<NuDrawItem>& queue, Shader* shader, i
     // The stencil value is set here rather than trusted from whichever drawer ran last, so the
     // feedback read finds the batch's kind. The solids go a little back in depth so the edges the
     // drawers drew before the batch (solid-with-edges) stay on top of their own faces.
-    glPushAttrib(GL_STENCIL_BUFFER_BIT | GL_POLYGON_BIT);
+    // Saved and put back by hand: Mesa (seen on llvmpipe) does not restore the stencil function
+    // of an attribute push when a nested push (the limited items') was popped in between.
+    GLint stencilFunc = GL_ALWAYS, stencilRef = 0, stencilMask = 0xFF;
+    glGetIntegerv(GL_STENCIL_FUNC, &stencilFunc);
+    glGetIntegerv(GL_STENCIL_REF, &stencilRef);
+    glGetIntegerv(GL_STENCIL_VALUE_MASK, &stencilMask);
+    const GLboolean offset = glIsEnabled(GL_POLYGON_OFFSET_FILL);
     glStencilFunc(GL_ALWAYS, stencil, 0xFF);
     glEnable(GL_POLYGON_OFFSET_FILL);
     shader->use();
@@ -363,7 +369,10 @@ void RenderV1::DrawQueue(const std::vector<NuDrawItem>& queue, Shader* shader, i
     }
     glUseProgram(0);
     glDeleteVertexArrays(1, &vao);
-    glPopAttrib();
+    if (!offset) {
+        glDisable(GL_POLYGON_OFFSET_FILL);
+    }
+    glStencilFunc(static_cast<GLenum>(stencilFunc), stencilRef, static_cast<GLuint>(stencilMask));
 }
 
 void RenderV1::DrawGraphicObjects() {
