@@ -6,6 +6,7 @@
 // ClearMapofVBOID for teeth only, one entry per gum shape. Every draw leaves GL as it found it.
 #include "VxGLTest.h"
 #include "VxTestPaths.h"
+#include "VxTestRenderPath.h"
 
 #include <frame/NuCameraSnapshot.h>
 #include <frame/NuRenderStatus.h>
@@ -362,7 +363,7 @@ TEST_F(ShaderMeshPassTest, ColouredTrianglesCacheByFirstFloat) {
 struct SmallFrame {
     explicit SmallFrame(VxNativeWindow* window) {
         g_bDIBShowMessage = false;
-        ForgetPrograms();
+        VxForgetShaderObjects();
         created = render->Create(window, 24, 8);
         OpenGLVersion::GetInstance()->Set_btestversion(true);
         Grid(tooth, -0.8, -0.2, -0.3, 0.3, 3, 3);
@@ -381,15 +382,7 @@ struct SmallFrame {
         views->Clear();
         render->SetModel(nullptr);
         r->mapOfGumVBO.clear();
-        r->ClearMapofVBOID();
-        ForgetPrograms();
-    }
-    void ForgetPrograms() {
-        for (Shader** slot : {&r->meshShader, &r->toothShader, &r->gumShader, &r->attachShader,
-                              &r->triandcolorShader}) {
-            delete *slot;
-            *slot = nullptr;
-        }
+        VxForgetShaderObjects();
     }
     unsigned ToothBuffer() { return r->mapOfVBOID.at({&tooth, tooth.GetFaceCount()}).buffer; }
     void Frame() { render->RenderScene(true); }

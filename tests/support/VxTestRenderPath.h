@@ -11,6 +11,10 @@ enum class VxTestRenderPath { Fixed, Shader };
 
 // Sets OpenGLVersion's path flag.
 void VxApplyRenderPath(VxTestRenderPath path);
+// For a test that makes a new context on the same process: the shader renderer keeps its programs
+// and buffers for the life of the process (a host has one context), and names from the old
+// context mean nothing in the new one. Forgets them all without a GL call.
+void VxForgetShaderObjects();
 // "Fixed" or "Shader", for test names.
 std::string VxRenderPathName(const ::testing::TestParamInfo<VxTestRenderPath>& info);
 
