@@ -5,8 +5,9 @@
 //                        VBOs per view, fixed-function lit, in the same context: the floor;
 //   BM_JawImmediateDraw  one jaw through DrawWithMaterialWithMatrix, its per-call program compile
 //                        included (run with MESA_SHADER_CACHE_DISABLE=true for cold compiles);
-//   BM_TexturedGumDraw   one gum through DrawGumWithMaterialWithMatrix, both images uploaded and
-//                        mip-mapped, as at every draw;
+//   BM_TexturedGumDraw/textured  one gum through DrawGumWithMaterialWithMatrix: textured (1),
+//                        both images uploaded and mip-mapped as at every draw, or with the
+//                        textured flag off (0), the plain mesh program over the same buffer;
 //   BM_ShaderBufferBuild every tooth's shader buffer made anew (grades and curvature included),
 //                        and every gum's.
 // Google Benchmark reports wall and CPU time; on llvmpipe the GPU work is CPU work on the
@@ -222,7 +223,8 @@ BENCHMARK(BM_Frame)
     ->Args({0, 5})
     ->Args({1, 5})
     ->Unit(benchmark::kMillisecond)
-    ->MinTime(2.0);
+    ->MinTime(2.0)
+    ->UseRealTime();
 
 void BM_BareLoop(benchmark::State& state) {
     Scene& s = GetScene();
@@ -243,7 +245,8 @@ BENCHMARK(BM_BareLoop)
     ->Arg(1)
     ->Arg(5)
     ->Unit(benchmark::kMillisecond)
-    ->MinTime(2.0);
+    ->MinTime(2.0)
+    ->UseRealTime();
 
 template <typename T> T* First(Scene& s) {
     for (VxMesh* m : VisibleMeshes(*s.patient)) {
@@ -279,7 +282,7 @@ void BM_JawImmediateDraw(benchmark::State& state) {
     }
     state.counters["faces"] = jaw->GetFaceCount();
 }
-BENCHMARK(BM_JawImmediateDraw)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_JawImmediateDraw)->Unit(benchmark::kMillisecond)->MinTime(2.0)->UseRealTime();
 
 void BM_TexturedGumDraw(benchmark::State& state) {
     Scene& s = GetScene();
@@ -291,13 +294,21 @@ void BM_TexturedGumDraw(benchmark::State& state) {
     DrawSetUp(s);
     NuRenderMaterial m;
     m.SetGumDefault();
+    OpenGLVersion::GetInstance()->Set_textured(state.range(0) == 1);
     for (auto _ : state) {
         RenderV1::GetInstance()->DrawGumWithMaterialWithMatrix(gum, m, glm::mat4(1.0f));
         glFinish();
     }
+    OpenGLVersion::GetInstance()->Set_textured(true);
     state.counters["faces"] = gum->GetFaceCount();
 }
-BENCHMARK(BM_TexturedGumDraw)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_TexturedGumDraw)
+    ->ArgName("textured")
+    ->Arg(1)
+    ->Arg(0)
+    ->Unit(benchmark::kMillisecond)
+    ->MinTime(2.0)
+    ->UseRealTime();
 
 void BM_ShaderBufferBuild(benchmark::State& state) {
     Scene& s = GetScene();
@@ -325,7 +336,7 @@ void BM_ShaderBufferBuild(benchmark::State& state) {
     }
     state.counters["teeth"] = static_cast<double>(teeth.size());
 }
-BENCHMARK(BM_ShaderBufferBuild)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_ShaderBufferBuild)->Unit(benchmark::kMillisecond)->MinTime(2.0)->UseRealTime();
 
 } // namespace
 
