@@ -119,7 +119,7 @@ void NuAttachmentDrawer::DrawObject(VxAttachment* attachment, const VxPlacement&
         glMultMatrixd(m);
         const glm::mat4 partMatrix = matrix * NuViewTransforms::FromMatrix(part->matrix);
         if (solid) {
-            if (selected && !placement.limited) {
+            if (selected) {
                 renderer->DrawWithMaterialWithMatrix(part.get(), material, partMatrix);
             } else {
                 renderer->SendAttachMaterialMatrix(part.get(), material, partMatrix,
