@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # The main job: installs what is missing, builds everything in Release, and renders the synthetic
-# patient in the five-view and the compare layouts into out/. With --view, on a machine with a
-# display, it opens the interactive viewer instead of rendering.
+# patient in the five-view (on both render paths) and the compare layouts into out/. With --view,
+# on a machine with a display, it opens the interactive viewer instead of rendering.
 # Usage: scripts/main.sh [--view] [build-dir]     (default build-dir: build-main)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -42,12 +42,14 @@ fi
 mkdir -p out
 # The synthetic patient is also written out as a case directory: an example of the format and a
 # starting point for a case made by hand.
+# The shader path (the default where GL is 4.3 or later) and the fixed-function path side by side.
 "$build/bin/vxrender" --layout five --size 1600x1000 -o out/five.png -q --write-case out/synthetic-case
+"$build/bin/vxrender" --layout five --path fixed --size 1600x1000 -o out/five_fixed.png -q
 "$build/bin/vxrender" --layout compare --size 1600x800 -o out/compare.png -q
 "$build/bin/vxrender" --layout single --size 1280x800 --select 11,21 -o out/single.png -q
 echo
 echo "Pictures of the synthetic patient:"
-for f in out/five.png out/compare.png out/single.png; do
+for f in out/five.png out/five_fixed.png out/compare.png out/single.png; do
   echo "  $(pwd)/$f"
 done
 echo "The synthetic patient as a case directory: $(pwd)/out/synthetic-case/case.json"

@@ -107,7 +107,11 @@
 #include <views/VxViewRegion.h>
 
 // mesh
+#include <mesh/NuAttachmentDrawer.h>
 #include <mesh/NuDrawerMgr.h>
+#include <mesh/NuGumDrawer.h>
+#include <mesh/NuJawDrawer.h>
+#include <mesh/NuToothDrawer.h>
 #include <mesh/VxAttachmentDrawer.h>
 #include <mesh/VxDrawer.h>
 #include <mesh/VxDrawerFiles.h>
@@ -136,6 +140,7 @@
 #include <shader/NuRenderMaterial.h>
 #include <shader/NuTextureFont.h>
 #include <shader/NuTriColorItem.h>
+#include <shader/NuVertexDataBuilder.h>
 #include <shader/NuViewTransforms.h>
 #include <shader/RenderV1.h>
 #include <shader/Shader.h>

@@ -160,7 +160,8 @@ bool VxAppScene::Open(HWND window, int width, int height, const std::string& bac
         error = "could not make an OpenGL context" + (why.empty() ? "" : ": " + why);
         return false;
     }
-    OpenGLVersion::GetInstance()->Set_btestversion(false);
+    // The path stays as chosen before (the shader path unless told otherwise); the context's own
+    // version test, run by Create and again at every view, may have forced the fixed one.
     m_width = width;
     m_height = height;
     render->ResizeViewport(width, height);
@@ -298,11 +299,20 @@ void VxAppScene::SetDisplay(VxAppDisplay display) {
 }
 
 bool VxAppScene::SetRenderPath(VxAppRenderPath path, std::string& error) {
-    if (path == VxAppRenderPath::Shader) {
-        error = "the shader render path is not available yet; use the fixed path";
+    OpenGLVersion* version = OpenGLVersion::GetInstance();
+    if (path == VxAppRenderPath::Fixed) {
+        version->Set_btestversion(false);
+        return true;
+    }
+    // Before a context exists nothing is known yet; the frame repeats the test at every view.
+    const char* reported = version->GetVersion();
+    if (reported != nullptr && !OpenGLVersion::VersionPassesTest(reported)) {
+        error = std::string("the context reports OpenGL ") + reported +
+                ", below the 4.3 the shader path needs; drawing with the fixed path";
+        version->Set_btestversion(false);
         return false;
     }
-    OpenGLVersion::GetInstance()->Set_btestversion(false);
+    version->Set_btestversion(true);
     return true;
 }
 

@@ -27,8 +27,9 @@ public:
     VxAppScene(const VxAppScene&) = delete;
     VxAppScene& operator=(const VxAppScene&) = delete;
 
-    // Makes the library's context on the window (depth 24, stencil 8), puts the renderer on the
-    // fixed-function path and makes the single view. `background` is a BMP or empty. False with
+    // Makes the library's context on the window (depth 24, stencil 8) and makes the single view.
+    // The render path stays as set before (the shader path by default) unless the context's
+    // version forces the fixed one. `background` is a BMP or empty. False with
     // `error` set when no context can be made or the background does not load.
     bool Open(HWND window, int width, int height, const std::string& background,
               std::string& error);
@@ -45,7 +46,8 @@ public:
     VxAppJaws GetJaws() const { return m_jaws; }
     void SetDisplay(VxAppDisplay display);
     VxAppDisplay GetDisplay() const { return m_display; }
-    // False (and the path unchanged) for a path this build cannot draw with.
+    // False, with the fixed path in force, for the shader path on a context whose version is
+    // below the test (4.3); before a context exists any path is accepted.
     bool SetRenderPath(VxAppRenderPath path, std::string& error);
     VxAppRenderPath GetRenderPath() const;
 

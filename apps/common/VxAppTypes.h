@@ -28,7 +28,8 @@ inline constexpr std::array<VxAppName<VxAppLayout>, 5> kVxAppLayouts{{
 
 inline constexpr std::array<VxAppName<VxAppRenderPath>, 2> kVxAppRenderPaths{{
     {VxAppRenderPath::Fixed, "fixed", "fixed-function GL (display lists, stencil picking)"},
-    {VxAppRenderPath::Shader, "shader", "GLSL 3.30 programs (not available yet)"},
+    {VxAppRenderPath::Shader, "shader",
+     "GLSL 3.30 programs, lit and textured (default where GL >= 4.3)"},
 }};
 
 inline constexpr std::array<VxAppName<VxAppDisplay>, 4> kVxAppDisplays{{

@@ -383,7 +383,8 @@ std::string VxCliHelpText() {
         h << "                           " << n.word
           << std::string(9 - std::string(n.word).size(), ' ') << n.meaning << "\n";
     }
-    h << "      --path NAME        render path: fixed (default); shader is not available yet\n"
+    h << "      --path NAME        render path: shader (default; fixed where GL is below 4.3)\n"
+         "                           or fixed\n"
          "  -d, --display NAME     how surfaces are drawn (default solid):\n";
     for (const auto& n : kVxAppDisplays) {
         h << "                           " << n.word

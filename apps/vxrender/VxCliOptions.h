@@ -29,7 +29,7 @@ struct VxCliOptions {
     int width = 1280;
     int height = 800;
     VxAppLayout layout = VxAppLayout::Single;
-    VxAppRenderPath renderPath = VxAppRenderPath::Fixed;
+    VxAppRenderPath renderPath = VxAppRenderPath::Shader;
     VxAppDisplay display = VxAppDisplay::Solid;
     VxAppJaws jaws = VxAppJaws::Both;
     VxCliSteps steps;

@@ -1,7 +1,7 @@
 // VxCliRender: the rendering half of vxrender.
 //
 // A run:
-//   1. refuse what this build cannot do (the shader path) before any work;
+//   1. the render path asked for (checked again against the context's version once it exists);
 //   2. read the case (or make the synthetic patient);
 //   3. an off-screen window of the picture's size, the library's context on it;
 //   4. teeth marked, display mode, layout, jaws;
@@ -93,8 +93,10 @@ int VxCliRender(const VxCliOptions& options, std::string& error) {
     if (!scene.Open(window.get(), options.width, options.height, options.background, error)) {
         return 1;
     }
-    // Open chose the path again after the context reported its version.
-    scene.SetRenderPath(options.renderPath, pathError);
+    // Now the context's version is known: a context below the test draws with the fixed path.
+    if (!scene.SetRenderPath(options.renderPath, pathError) && !options.quiet) {
+        std::fprintf(stderr, "vxrender: --path shader: %s\n", pathError.c_str());
+    }
     scene.SetCase(c.get());
 
     for (int fdi : options.selectFdi) {

@@ -81,7 +81,7 @@ std::string VxViewer::KeyHelp() {
            "  M                display mode: solid, solid+edges, edges, points\n"
            "  U  L  B          show the upper jaw, the lower jaw, both\n"
            "  Right / Left     next / previous treatment step (Home, End: first, last)\n"
-           "  P                render path: fixed or shader (shader is not available yet)\n"
+           "  P                render path: shader or fixed\n"
            "  K                what a click picks: whole objects, vertices, edges\n"
            "  X                clear the selection\n"
            "  A                aux sample on/off; with it on, a click first tries the aux\n"

@@ -116,8 +116,6 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "minimal_host: no OpenGL context\n");
         return 1;
     }
-    // The shader path does not draw yet, and Mesa reports 4.5, which would choose it.
-    OpenGLVersion::GetInstance()->Set_btestversion(false);
 
     // 4. The views: total size, then one view of the whole window.
     VxViewManager* views = VxViewManager::GetInstance();

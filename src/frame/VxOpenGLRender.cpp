@@ -394,10 +394,12 @@ bool VxOpenGLRender::DrawModel(VxViewRegion* view) {
     // else is drawn.
     PipelinePass(
         entities, view, [](ObjectType_e type) { return type == ObjectType_Tooth; }, PathDrawer);
-    // The shader renderer's queued teeth go out here as one batch:
-    //   if (!RenderV1::GetInstance()->GraphicObjectsEmpty()) {
-    //       RenderV1::GetInstance()->DrawGraphicObjects();  // then the list is emptied
-    //   }
+    // The shader renderer's queued teeth go out here as one batch.
+    RenderV1* renderer = RenderV1::GetInstance();
+    if (!renderer->GraphicObjectsEmpty()) {
+        renderer->DrawGraphicObjects();
+        renderer->objectQueue.clear();
+    }
     // Attachments stay on the fixed-function drawer on both paths, on purpose.
     PipelinePass(
         entities, view, [](ObjectType_e type) { return type == ObjectType_Attachment; },
@@ -416,9 +418,9 @@ bool VxOpenGLRender::DrawModel(VxViewRegion* view) {
     glPopAttrib();
 
     if (version->Get_btestversion()) {
-        // The in-view gap editor is drawn here on the shader path:
-        //   RenderV1::GetInstance()->Setthemodel(m_model);
-        //   RenderV1::GetInstance()->Drawcreatemodify(view);
+        renderer->Setthemodel(m_model);
+        // The in-view gap editor is drawn here on the shader path once it exists:
+        //   renderer->Drawcreatemodify(view);
     }
     return true;
 }

@@ -1,8 +1,8 @@
 // NuDrawerMgr: the process-wide map from an entity's ObjectType_e to the shader-path drawer that
 // puts it on screen. The frame asks it for the drawer of each entity and skips an entity it has no
-// drawer for.
-// PLACEHOLDER: the drawers themselves come with the mesh-drawing work, which registers them in
-// the constructor; until then the map is empty and GetDrawer answers null for every type.
+// drawer for. Registered: jaw, gum and tooth (the Nu drawers), plain mesh (the fixed-function
+// VxMeshDrawer, which serves both paths) and attachment (NuAttachmentDrawer, which the frame does
+// not ask for: attachments go to the fixed-function drawer on both paths).
 #pragma once
 
 #include <interfaces/VxObjectType.h>
@@ -20,7 +20,7 @@ public:
     VxDrawer* GetDrawer(ObjectType_e type) const;
 
 private:
-    NuDrawerMgr() = default;
+    NuDrawerMgr();
     NuDrawerMgr(const NuDrawerMgr&) = delete;
     NuDrawerMgr& operator=(const NuDrawerMgr&) = delete;
 

@@ -303,6 +303,17 @@ void VxFixedDrawSteps::Rasterise(const VxVBOHandle& handle, VxMesh* mesh, int fa
     }
 }
 
+void VxFixedDrawSteps::RasteriseLines(const VxVBOHandle& handle, VxMesh* mesh) {
+    ArrayBufferKeeper keepBinding;
+    const DisplayMode_e mode = VxRenderStatus::GetInstance()->GetDisplayMode();
+    if (mode == DisplayMode_SolidEdges || mode == DisplayMode_Edges) {
+        DrawEdges(handle, mesh);
+    }
+    if (mode == DisplayMode_Points) {
+        DrawPoints(handle, mesh);
+    }
+}
+
 void VxFixedDrawSteps::RasteriseParts(const VxVBOHandle& handle, VxMesh* stdMesh,
                                       const std::vector<VxMatrix>& parts) {
     ArrayBufferKeeper keepBinding;

@@ -93,6 +93,9 @@ public:
     // in the two solid modes, black edges in solid-edges and edges, red points of size 5 in
     // points. faceCount is the number of triangles to draw. Array client states are the caller's.
     static void Rasterise(const VxVBOHandle& handle, VxMesh* mesh, int faceCount, Bitmap* bitmap);
+    // Only the line styles of steps 8 and 9, no faces: black edges in solid-edges and edges, red
+    // points in points. The shader-path drawers put the faces on screen their own way.
+    static void RasteriseLines(const VxVBOHandle& handle, VxMesh* mesh);
     // The same for an attachment: the standard shape's faces once per part matrix.
     static void RasteriseParts(const VxVBOHandle& handle, VxMesh* stdMesh,
                                const std::vector<VxMatrix>& parts);

@@ -2,6 +2,8 @@
 // matrices, so both paths put a vertex at the same place.
 #include <shader/NuViewTransforms.h>
 
+#include <interfaces/VxMatrix.h>
+
 #include <frame/NuCameraSnapshot.h>
 #include <interfaces/VxXForm.h>
 
@@ -39,4 +41,16 @@ glm::vec3 NuViewTransforms::LightSpan() const {
     const glm::vec4 corner =
         glm::inverse(view) * glm::inverse(projection) * glm::vec4(-1.0f, -1.0f, -1.0f, 1.0f);
     return glm::vec3(corner);
+}
+
+glm::mat4 NuViewTransforms::FromMatrix(const VxMatrix& matrix) {
+    double a[16];
+    matrix.ToArray(a);
+    glm::mat4 out(1.0f);
+    for (int c = 0; c < 4; ++c) {
+        for (int r = 0; r < 4; ++r) {
+            out[c][r] = static_cast<float>(a[c * 4 + r]);
+        }
+    }
+    return out;
 }

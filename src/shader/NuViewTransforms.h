@@ -7,6 +7,8 @@
 
 #include <glm/glm.hpp>
 
+class VxMatrix;
+
 class NuViewTransforms {
 public:
     // From NuCameraSnapshot::GetInstance(). Without a view transform, `model` is the identity.
@@ -16,6 +18,9 @@ public:
     // Light positions are base vectors scaled by it component-wise, so the rigs turn with the
     // camera.
     glm::vec3 LightSpan() const;
+
+    // A 4 x 4 placement as the float matrix the programs take (both column-major).
+    static glm::mat4 FromMatrix(const VxMatrix& matrix);
 
     glm::vec3 viewPos;
     glm::mat4 model;

@@ -6,7 +6,8 @@
 // call, so it may happen before any context exists; every drawing operation needs the context
 // current. Failures are printed to standard output and the renderer goes on without the thing
 // that failed. Split by concern: RenderV1.cpp (making, assets), RenderV1Programs.cpp (program
-// slots), RenderV1Materials.cpp (materials, transforms and lights into a program).
+// slots), RenderV1Materials.cpp (materials, transforms and lights into a program),
+// RenderV1MeshPasses.cpp (vertex buffers, immediate mesh draws and the batched tooth queue).
 #pragma once
 
 #include <gapeditor/Enumerationofpng.h>
@@ -33,6 +34,7 @@
 class Shader;
 class NuTextureFont;
 class VxEntity;
+class VxMatrix;
 class VxModel;
 class VxViewRegion;
 
@@ -53,6 +55,35 @@ public:
     // Forgets the tooth and coloured-triangle buffer caches (not the gum's) without deleting the
     // GL buffers: for a context that has gone away, whose names mean nothing any more.
     void ClearMapofVBOID();
+
+    // ---- mesh passes; every one needs the context current and leaves GL state as it found it
+    // (program 0, no array buffer, no array object bound) ----
+    // Immediate lit draw of a mesh under `matrix` (placed in the view). Compiles its program
+    // anew at every call, the plain or back-and-front mesh program (a gum's from the gum
+    // sources), and deletes it after the draw.
+    void DrawWithMaterialWithMatrix(VxEntity* entity, NuRenderMaterial material, glm::mat4 matrix);
+    // The textured gum, with both gum images uploaded for this draw and deleted after it; the plain
+    // mesh program once the textured flag of OpenGLVersion is off.
+    void DrawGumWithMaterialWithMatrix(VxEntity* entity, NuRenderMaterial material,
+                                       glm::mat4 matrix);
+    // A gum in one colour (selected, or a host that never shows the textured gum).
+    void DrawGumSelectedWithMaterialWithMatrix(VxEntity* entity, NuRenderMaterial material,
+                                               glm::mat4 matrix);
+    // Queue a tooth (or an attachment part) for the batch; builds its buffer, draws nothing.
+    void SendMaterialMatrix(VxEntity* entity, NuRenderMaterial material, glm::mat4 matrix,
+                            bool limited, const VxMatrix* xform);
+    void SendAttachMaterialMatrix(VxEntity* entity, NuRenderMaterial material, glm::mat4 matrix,
+                                  bool limited, const VxMatrix* xform);
+    // Queues a block of coloured triangles; nothing in the library draws this queue.
+    void SendWithMaterialWithMatrixTriandColor(float* data, int triangles, glm::mat4 matrix);
+    // Coloured triangles, 18 floats each (position, colour), cached by their first float.
+    void DrawWithMaterialWithMatrixTriandColor(float* data, int triangles, glm::mat4 matrix);
+    // The queued teeth under one program and one array object, stencil value 2; then each one's
+    // own overlay objects inside its placement. Does not empty the queue.
+    void DrawGraphicObjects();
+    // The queued attachment parts the same way, stencil value 6; no second pass, queue kept.
+    void DrawGraphicAttachObjects();
+    bool GraphicObjectsEmpty() const { return objectQueue.empty(); }
 
     void Setthemodel(VxModel* model) { theModel = model; }
     VxModel* Getthemodel() { return theModel; }
@@ -135,10 +166,11 @@ public:
     std::vector<NuBillboardItem> billboardQueue;
     std::vector<NuTriColorItem> triColorQueue;
 
-    // Vertex buffers by (entity, face count); coloured triangles by their first float; gums by
-    // (entity, face count, shape checksum).
+    // Vertex buffers by (entity, face count); coloured triangles by their first float, with the
+    // triangle count the buffer was made for (no draw reads past it); gums by (entity, face
+    // count, shape checksum).
     std::map<std::pair<VxEntity*, int>, NuMeshBuffer> mapOfVBOID;
-    std::map<float, unsigned int> mapOfTriColorVBO;
+    std::map<float, NuMeshBuffer> mapOfTriColorVBO;
     std::map<std::tuple<VxEntity*, int, double>, NuMeshBuffer> mapOfGumVBO;
 
     VxModel* theModel = nullptr;
@@ -194,4 +226,12 @@ private:
     void PreparingDataForShader(NuRenderMaterial material, glm::mat4 matrix);
     void BindTransformAndLightUniformToShader(glm::mat4 matrix);
     void BindMaterialUniformToShader(NuRenderMaterial material);
+
+    // The plain buffer of the entity, built or rebuilt as needed and left bound to
+    // GL_ARRAY_BUFFER; sets faceCount.
+    void PreparingVertexData(VxEntity* entity);
+    // The gum buffer, keyed by shape as well, left bound.
+    void PreparingVertexDataforGum(VxEntity* entity);
+    // The first pass of the two batches.
+    void DrawQueue(const std::vector<NuDrawItem>& queue, Shader* shader, int stencil);
 };

@@ -11,6 +11,7 @@
 #include <frame/VxRenderStatus.h>
 #include <interfaces/VxMesh.h>
 #include <interfaces/VxModel.h>
+#include <interfaces/VxSkull.h>
 #include <interfaces/VxXForm.h>
 #include <platform/VxGLContext.h>
 #include <platform/VxMessageSink.h>
@@ -82,13 +83,17 @@ void SavePng(const VxTestImage& img, const std::string& name) {
 
 // A box-shaped mesh so the model has a bounding box; there are no drawers yet, so it is not
 // drawn, which is exactly what the frame must then do.
-VxMesh* MakeBox(double half) {
-    VxMesh* m = new VxMesh();
+void MakeBox(VxMesh& m, double half) {
     std::vector<VxPoint> p;
     for (int i = 0; i < 8; ++i) {
         p.emplace_back(i & 1 ? half : -half, i & 2 ? half : -half, i & 4 ? half : -half);
     }
-    m->SetMeshData(p, {0, 1, 3, 0, 3, 2, 4, 5, 7, 4, 7, 6});
+    m.SetMeshData(p, {0, 1, 3, 0, 3, 2, 4, 5, 7, 4, 7, 6});
+}
+
+VxMesh* MakeBox(double half) {
+    VxMesh* m = new VxMesh();
+    MakeBox(*m, half);
     return m;
 }
 
@@ -240,9 +245,13 @@ TEST_F(FrameRenderTest, ZeroViewsStillPaint) {
 }
 
 TEST_F(FrameRenderTest, EntitiesWithoutDrawerAreSkipped) {
-    std::unique_ptr<VxMesh> a(MakeBox(0.5)), b(MakeBox(0.8));
-    model.AddEntity(a.get());
-    model.AddEntity(b.get());
+    // The shader path has no skull drawer.
+    VxSkull a, b;
+    MakeBox(a, 0.5);
+    MakeBox(b, 0.8);
+    model.AddEntity(&a);
+    model.AddEntity(&b);
+    OpenGLVersion::GetInstance()->Set_btestversion(true);
     mgr->CreateSingleView();
     EXPECT_TRUE(render->RenderScene(true));
     const VxTestImage img = ReadFrame(kW, kH);

@@ -139,6 +139,8 @@ protected:
     }
     // A unit quad at z = 0 of the model, drawn with depth through the view's stored matrices.
     void DrawQuad() {
+        // The quad alone: the box of the set-up frame is drawn on either path.
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
         glViewport(viewport[0], viewport[1], viewport[2], viewport[3]);
         glMatrixMode(GL_PROJECTION);
         glLoadMatrixd(handProj);

@@ -1,12 +1,12 @@
-// The synthetic patient through the frame and the fixed-function drawers: every kind of entity
-// of a full case lands in the stencil with its own value, the upper-only mask leaves no lower
-// jaw pixels and shelters the lower teeth, and compare mode's initial step draws each tooth once.
-// The pictures go to test-output/mesh_patient_*.png.
+// The synthetic patient through the frame and the drawers of both render paths: every kind of
+// entity of a full case lands in the stencil with its own value, the upper-only mask leaves no
+// lower jaw pixels and shelters the lower teeth, and compare mode's initial step draws each tooth
+// once. The pictures go to test-output/mesh_patient_*.png.
 #include "VxTestImage.h"
 #include "VxTestPaths.h"
+#include "VxTestRenderPath.h"
 
 #include <VxSyntheticPatient.h>
-#include <frame/OpenGLVersion.h>
 #include <frame/VxDIBLoader.h>
 #include <frame/VxOpenGLRender.h>
 #include <frame/VxRenderStatus.h>
@@ -28,7 +28,7 @@ namespace {
 constexpr int kW = 320;
 constexpr int kH = 240;
 
-class MeshPatientTest : public ::testing::Test {
+class MeshPatientTest : public ::testing::TestWithParam<VxTestRenderPath> {
 public:
     static void SetUpTestSuite() {
         g_bDIBShowMessage = false;
@@ -43,7 +43,7 @@ protected:
             GTEST_SKIP() << "no EGL context on this machine";
         }
         render->GetGLContext()->MakeCurrent();
-        OpenGLVersion::GetInstance()->Set_btestversion(false);
+        VxApplyRenderPath(GetParam());
         patient = VxSyntheticPatient::Generate(7);
         ASSERT_TRUE(patient);
         patient->Install();
@@ -77,7 +77,9 @@ protected:
         glReadPixels(0, 0, kW, kH, GL_RGBA, GL_UNSIGNED_BYTE, img.rgba.data());
         rgba = img.rgba;
         img.FlipRows();
-        VxWritePng(VxTestOutputDir() + "/" + name + ".png", img);
+        VxWritePng(VxTestOutputDir() + "/" + name +
+                       (GetParam() == VxTestRenderPath::Shader ? "_shader" : "_fixed") + ".png",
+                   img);
         std::vector<GLint> v(static_cast<size_t>(kW) * kH);
         glReadPixels(0, 0, kW, kH, GL_STENCIL_INDEX, GL_INT, v.data());
         return v;
@@ -99,7 +101,7 @@ protected:
 };
 
 // Seen from above, the upper jaw covers the rest; the mask shows one class at a time.
-TEST_F(MeshPatientTest, EveryKindLandsInTheStencil) {
+TEST_P(MeshPatientTest, EveryKindLandsInTheStencil) {
     VxViewRegion* view = mgr->GetAllViews()[0];
     EXPECT_GT(Histogram("mesh_patient_all")[4], 500) << "upper jaw on top";
 
@@ -131,7 +133,7 @@ TEST_F(MeshPatientTest, EveryKindLandsInTheStencil) {
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
-TEST_F(MeshPatientTest, EdgesModeAndCompareInitialStep) {
+TEST_P(MeshPatientTest, EdgesModeAndCompareInitialStep) {
     mgr->GetAllViews()[0]->SelectJawShow(
         static_cast<Display_Selec>(Display_Selec_UpperTeeth | Display_Selec_LowerTeeth));
     VxRenderStatus::GetInstance()->SetDisplayMode(DisplayMode_Edges);
@@ -154,5 +156,7 @@ TEST_F(MeshPatientTest, EdgesModeAndCompareInitialStep) {
     EXPECT_GT(Histogram("mesh_patient_compare_initial")[2], 500);
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
+
+VX_BOTH_RENDER_PATHS(MeshPatientTest);
 
 } // namespace

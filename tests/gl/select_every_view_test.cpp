@@ -6,10 +6,10 @@
 // placed vertices lie nearest it. The pick must give that tooth. Without the shelter step the
 // last drawn view's jaws decide, and a click on an upper tooth finds a lower one.
 #include "VxGLTest.h"
+#include "VxTestRenderPath.h"
 
 #include <VxSyntheticPatient.h>
 
-#include <frame/OpenGLVersion.h>
 #include <frame/VxDIBLoader.h>
 #include <frame/VxOpenGLRender.h>
 #include <frame/VxRenderStatus.h>
@@ -33,7 +33,8 @@ namespace {
 constexpr int kW = 640;
 constexpr int kH = 400;
 
-class SelectEveryViewTest : public VxGLTest {
+class SelectEveryViewTest : public VxGLTest,
+                            public ::testing::WithParamInterface<VxTestRenderPath> {
 public:
     static void SetUpTestSuite() {
         VxGLTestConfig config;
@@ -47,7 +48,8 @@ protected:
         VxGLTest::SetUp();
         render = VxRenderStatus::GetInstance()->GetRender();
         ASSERT_TRUE(render->Create(Window(), 24, 8));
-        OpenGLVersion::GetInstance()->Set_btestversion(false);
+        VxForgetShaderObjects(); // a new context for every test
+        VxApplyRenderPath(GetParam());
         g_bDIBShowMessage = false; // no background picture here, on purpose
         patient = VxSyntheticPatient::Generate(1);
         patient->Install();
@@ -193,14 +195,14 @@ protected:
     std::unique_ptr<VxCase> patient;
 };
 
-TEST_F(SelectEveryViewTest, TwoJawLayoutPicksTheClickedViewsTooth) {
+TEST_P(SelectEveryViewTest, TwoJawLayoutPicksTheClickedViewsTooth) {
     views->SwitchTo2View(patient->model);
     ASSERT_EQ(views->GetAllViews().size(), 2u);
     EXPECT_EQ(ClickEveryView("jaws"), 4);
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
-TEST_F(SelectEveryViewTest, FiveViewLayoutPicksTheClickedViewsTooth) {
+TEST_P(SelectEveryViewTest, FiveViewLayoutPicksTheClickedViewsTooth) {
     views->SwitchTo5View(patient->model);
     ASSERT_EQ(views->GetAllViews().size(), 5u);
     EXPECT_EQ(ClickEveryView("five"), 10);
@@ -209,7 +211,7 @@ TEST_F(SelectEveryViewTest, FiveViewLayoutPicksTheClickedViewsTooth) {
 
 // The shelter step is what makes the difference: without it, the first view of the two-jaw
 // layout (the upper arch) is picked with the lower arch's flags of the last drawn view.
-TEST_F(SelectEveryViewTest, WithoutTheShelterStepTheLastDrawnViewDecides) {
+TEST_P(SelectEveryViewTest, WithoutTheShelterStepTheLastDrawnViewDecides) {
     views->SwitchTo2View(patient->model);
     VxViewRegion* first = views->GetAllViews().front();
     render->RenderScene(true);
@@ -226,5 +228,7 @@ TEST_F(SelectEveryViewTest, WithoutTheShelterStepTheLastDrawnViewDecides) {
     EXPECT_NE(hit, static_cast<const VxObject*>(expected));
     EXPECT_TRUE(hit == nullptr || !static_cast<VxTooth*>(hit)->IsUp());
 }
+
+VX_BOTH_RENDER_PATHS(SelectEveryViewTest);
 
 } // namespace

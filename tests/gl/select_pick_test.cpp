@@ -1,13 +1,13 @@
-// Picking on a real headless context with the fixed-function drawers: a flat grid seen square on
-// by an orthographic camera of known scale (80 pixels a model unit, window centre at the model
-// origin), so every vertex has a pixel computed here by hand. Checked: the vertex pick's 10-pixel
-// Manhattan tolerance, the edge picks of both forms with their tie and end rules, and entity
-// picks end to end (frame, ProcessFeedback, DoSelect) of a tooth, a gum, an attachment and a
+// Picking on a real headless context, with the frame drawn on either render path: a flat grid seen
+// square on by an orthographic camera of known scale (80 pixels a model unit, window centre at the
+// model origin), so every vertex has a pixel computed here by hand. Checked: the vertex pick's
+// 10-pixel Manhattan tolerance, the edge picks of both forms with their tie and end rules, and
+// entity picks end to end (frame, ProcessFeedback, DoSelect) of a tooth, a gum, an attachment and a
 // face, the nearer of two overlapping teeth, and a limited ghost that cannot be picked.
 #include "VxTestImage.h"
 #include "VxTestPaths.h"
+#include "VxTestRenderPath.h"
 
-#include <frame/OpenGLVersion.h>
 #include <frame/VxOpenGLRender.h>
 #include <frame/VxRenderStatus.h>
 #include <interfaces/VxAttachment.h>
@@ -90,7 +90,7 @@ const std::vector<ObjectType_e> kDefaultSelectTypes = {
     ObjectType_Jaw,         ObjectType_Gum,        ObjectType_Tooth,
     ObjectType_Reserved400, ObjectType_Attachment, ObjectType_Mesh};
 
-class SelectPickTest : public ::testing::Test {
+class SelectPickTest : public ::testing::TestWithParam<VxTestRenderPath> {
 public:
     static void SetUpTestSuite() {
         // No background file: the loader's complaint is not what these tests are about.
@@ -118,8 +118,9 @@ protected:
         mgr->SetActiveView(0);
         status->SetSelectType(kDefaultSelectTypes);
         status->SetDisplayMode(DisplayMode_Solid);
-        // Selection belongs to the fixed-function path; the frame must draw with its drawers.
-        OpenGLVersion::GetInstance()->Set_btestversion(false);
+        // Picks read the stencil and redraw with the fixed-function selection drawing on both
+        // paths; the frame draws with either path's drawers.
+        VxApplyRenderPath(GetParam());
     }
     void TearDown() override {
         if (created) {
@@ -174,7 +175,7 @@ protected:
     VxMesh grid;
 };
 
-TEST_F(SelectGridTest, CameraIsTheOneComputedByHand) {
+TEST_P(SelectGridTest, CameraIsTheOneComputedByHand) {
     for (const VxPoint& p : {VxPoint(0, 0, 0), VxPoint(0.75, -0.5, 0), VxPoint(-0.25, 0.75, 0)}) {
         const CPoint s = render->MapModelPointToScreen(p);
         EXPECT_EQ(s, PixelOf(p[0], p[1])) << p[0] << "," << p[1];
@@ -182,7 +183,7 @@ TEST_F(SelectGridTest, CameraIsTheOneComputedByHand) {
     SaveFrame("select_grid");
 }
 
-TEST_F(SelectGridTest, VertexWithinTenPixelsManhattan) {
+TEST_P(SelectGridTest, VertexWithinTenPixelsManhattan) {
     status->SetSelectType({ObjectType_Vertex});
     const VxVertex* centre = VertexAt(grid, 0.0, 0.0);
     const VxVertex* corner = VertexAt(grid, 0.5, -0.25);
@@ -211,7 +212,7 @@ TEST_F(SelectGridTest, VertexWithinTenPixelsManhattan) {
     EXPECT_EQ(status->GetFeedbackType(), FeedbackType_None);
 }
 
-TEST_F(SelectGridTest, EdgeThroughTheNearestVertex) {
+TEST_P(SelectGridTest, EdgeThroughTheNearestVertex) {
     status->SetSelectType({ObjectType_Edge});
     const VxVertex* o = VertexAt(grid, 0.0, 0.0);
     const VxVertex* right = VertexAt(grid, 0.25, 0.0);
@@ -230,7 +231,7 @@ TEST_F(SelectGridTest, EdgeThroughTheNearestVertex) {
     EXPECT_TRUE(v0 == o->GetVtxId() || v1 == o->GetVtxId());
 }
 
-TEST_F(SelectGridTest, EdgeListOnScreen) {
+TEST_P(SelectGridTest, EdgeListOnScreen) {
     const VxVertex* o = VertexAt(grid, 0.0, 0.0);
     VxEdge* h = EdgeOf(grid, o, VertexAt(grid, 0.25, 0.0)); // pixels (100, 80) to (120, 80)
     VxEdge* v = EdgeOf(grid, o, VertexAt(grid, 0.0, 0.25)); // pixels (100, 80) to (100, 60)
@@ -251,7 +252,7 @@ TEST_F(SelectGridTest, EdgeListOnScreen) {
     EXPECT_EQ(select->SelectEdge(std::vector<VxEdge*>{}, c), nullptr);
 }
 
-TEST_F(SelectGridTest, EdgeOfZeroScreenLengthIsAPoint) {
+TEST_P(SelectGridTest, EdgeOfZeroScreenLengthIsAPoint) {
     // An edge along the line of sight.
     VxMesh post;
     post.AddVertex(VxPoint(0.5, 0.5, 0.0));
@@ -298,7 +299,7 @@ protected:
     VxAttachment attachment;
 };
 
-TEST_F(SelectEntityTest, ClickGivesTheObjectUnderThePixel) {
+TEST_P(SelectEntityTest, ClickGivesTheObjectUnderThePixel) {
     Frame();
     SaveFrame("select_entities");
     EXPECT_EQ(Click(PixelOf(-0.6, 0.3)), &tooth);
@@ -318,7 +319,7 @@ TEST_F(SelectEntityTest, ClickGivesTheObjectUnderThePixel) {
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
-TEST_F(SelectEntityTest, SelectTypesNarrowThePick) {
+TEST_P(SelectEntityTest, SelectTypesNarrowThePick) {
     Frame();
     // Teeth only: the gum's stencil is not pickable, so its pixel gives nothing.
     status->SetSelectType({ObjectType_Tooth});
@@ -361,7 +362,7 @@ TEST_F(SelectEntityTest, SelectTypesNarrowThePick) {
     model.RemoveEntity(&big);
 }
 
-TEST_F(SelectEntityTest, NearerOfTwoOverlappingTeethWins) {
+TEST_P(SelectEntityTest, NearerOfTwoOverlappingTeethWins) {
     VxTooth front{12};
     MakeGrid(front, 3, 0.2, -0.55, 0.3, 0.2); // nearer the eye, overlapping the tooth
     // Added after the farther tooth, and then before it: depth decides, not order.
@@ -379,7 +380,7 @@ TEST_F(SelectEntityTest, NearerOfTwoOverlappingTeethWins) {
     model.RemoveEntity(&front);
 }
 
-TEST_F(SelectEntityTest, LimitedGhostCannotBePicked) {
+TEST_P(SelectEntityTest, LimitedGhostCannotBePicked) {
     // The tooth stands where it is, and a see-through ghost of its limit position lies below.
     VxTransformMatrix* tm = VxTransformMatrix::GetInstance();
     const VxMatrix down = VxMatrix::Translation(VxVector(0, -0.8, 0));
@@ -398,5 +399,8 @@ TEST_F(SelectEntityTest, LimitedGhostCannotBePicked) {
     EXPECT_EQ(Click(PixelOf(-0.6, -0.5)), &tooth);
     EXPECT_EQ(Click(PixelOf(-0.6, 0.3)), nullptr);
 }
+
+VX_BOTH_RENDER_PATHS(SelectGridTest);
+VX_BOTH_RENDER_PATHS(SelectEntityTest);
 
 } // namespace

@@ -55,7 +55,7 @@ TEST(CliOptionsTest, DefaultsWithoutArguments) {
     EXPECT_EQ(o.width, 1280);
     EXPECT_EQ(o.height, 800);
     EXPECT_EQ(o.layout, VxAppLayout::Single);
-    EXPECT_EQ(o.renderPath, VxAppRenderPath::Fixed);
+    EXPECT_EQ(o.renderPath, VxAppRenderPath::Shader);
     EXPECT_EQ(o.display, VxAppDisplay::Solid);
     EXPECT_EQ(o.jaws, VxAppJaws::Both);
     EXPECT_EQ(o.steps.kind, VxCliSteps::Kind::Current);
@@ -103,15 +103,14 @@ TEST(CliOptionsTest, EveryOptionInLongShortAndInlineForms) {
     EXPECT_TRUE(p.options.quiet);
 
     p = Parse({"--size=64x32", "--layout=jaws", "--display=edges", "--step=all", "--select=48",
-               "--path=shader"});
+               "--path=fixed"});
     ASSERT_TRUE(Runs(p)) << p.result.error;
     EXPECT_EQ(p.options.width, 64);
     EXPECT_EQ(p.options.layout, VxAppLayout::Jaws);
     EXPECT_EQ(p.options.display, VxAppDisplay::Edges);
     EXPECT_EQ(p.options.steps.kind, VxCliSteps::Kind::All);
     EXPECT_EQ(p.options.selectFdi, (std::vector<int>{48}));
-    // The parser accepts the word; refusing the unavailable path is the renderer's job.
-    EXPECT_EQ(p.options.renderPath, VxAppRenderPath::Shader);
+    EXPECT_EQ(p.options.renderPath, VxAppRenderPath::Fixed);
 }
 
 TEST(CliOptionsTest, EveryChoiceWordParsesAndNoOtherDoes) {

@@ -196,7 +196,7 @@ TEST(ShaderAssets, CorruptFilesAreTreatedAsMissing) {
 TEST(ShaderAssets, SwitchingToTheShaderPathForgetsMeshBuffersButNotGums) {
     RenderV1* r = RenderV1::GetInstance();
     r->mapOfVBOID[{nullptr, 3}] = NuMeshBuffer{7, nullptr, 3};
-    r->mapOfTriColorVBO[1.5f] = 8;
+    r->mapOfTriColorVBO[1.5f] = NuMeshBuffer{8, nullptr, 1};
     r->mapOfGumVBO[std::make_tuple(nullptr, 3, 0.5)] = NuMeshBuffer{9, nullptr, 3};
     OpenGLVersion* v = OpenGLVersion::GetInstance();
     v->Set_btestversion(true);
