@@ -7,12 +7,42 @@
 
 #include <ft2build.h>
 #include FT_FREETYPE_H
-#include <stb_image.h>
+#include <interfaces/CImage.h>
+#include <interfaces/CString.h>
+
+#include <cstdlib>
 
 #include <iostream>
 #include <string>
 
 namespace {
+
+// An image file as tightly packed RGB rows, top row first, in memory that std::free releases; null
+// where the file is missing or not a picture. It goes through CImage, whose decoder is the
+// library's own and refuses declared sizes the file cannot hold.
+unsigned char* LoadRgb(const std::string& nativePath, int* width, int* height) {
+    CImage image;
+    if (FAILED(image.Load(CString::FromUtf8(nativePath).GetString())) || image.IsNull()) {
+        return nullptr;
+    }
+    const int w = image.GetWidth(), h = image.GetHeight();
+    auto* rgb = static_cast<unsigned char*>(std::malloc(static_cast<size_t>(w) * h * 3));
+    if (rgb == nullptr) {
+        return nullptr;
+    }
+    unsigned char* p = rgb;
+    for (int y = 0; y < h; ++y) {
+        for (int x = 0; x < w; ++x) {
+            const COLORREF c = image.GetPixel(x, y);
+            *p++ = GetRValue(c);
+            *p++ = GetGValue(c);
+            *p++ = GetBValue(c);
+        }
+    }
+    *width = w;
+    *height = h;
+    return rgb;
+}
 
 std::string NativePath(const wchar_t* suffix) {
     return VxFileSystem::ToNativePath(VxDrawerFiles::Path(suffix).Str().c_str());
@@ -73,19 +103,19 @@ RenderV1::~RenderV1() {
     for (Shader* s : slots) {
         delete s;
     }
-    stbi_image_free(gumImagePixels);
-    stbi_image_free(gumBumpPixels);
+    std::free(gumImagePixels);
+    std::free(gumBumpPixels);
     for (auto& entry : editorImages) {
-        stbi_image_free(entry.second.pixels);
+        std::free(entry.second.pixels);
     }
 }
 
 void RenderV1::SetUpdata() {
     // Called again (tests do), it reads afresh rather than keeping two copies.
-    stbi_image_free(gumImagePixels);
-    stbi_image_free(gumBumpPixels);
+    std::free(gumImagePixels);
+    std::free(gumBumpPixels);
     for (auto& entry : editorImages) {
-        stbi_image_free(entry.second.pixels);
+        std::free(entry.second.pixels);
     }
     editorImages.clear();
 
@@ -97,11 +127,10 @@ void RenderV1::SetUpdata() {
     (void)colourExists;
     (void)bumpExists;
 
-    int channels = 0;
-    gumImagePixels = stbi_load(VxFileSystem::ToNativePath(colourPath.c_str()).c_str(),
-                               &gumImageWidth, &gumImageHeight, &channels, 3);
-    gumBumpPixels = stbi_load(VxFileSystem::ToNativePath(bumpPath.c_str()).c_str(), &gumBumpWidth,
-                              &gumBumpHeight, &channels, 3);
+    gumImagePixels =
+        LoadRgb(VxFileSystem::ToNativePath(colourPath.c_str()), &gumImageWidth, &gumImageHeight);
+    gumBumpPixels =
+        LoadRgb(VxFileSystem::ToNativePath(bumpPath.c_str()), &gumBumpWidth, &gumBumpHeight);
 
     const std::string fontPath = NativePath(L"\\default.ttf");
     if (FT_Init_FreeType(&ftLibrary)) {
@@ -118,8 +147,7 @@ void RenderV1::SetUpdata() {
     const std::string folder = NativePath(L"\\pngofcreatemodify\\");
     for (const EditorImageFile& row : kEditorImages) {
         NuPngImage image;
-        image.pixels =
-            stbi_load((folder + row.file).c_str(), &image.width, &image.height, &channels, 3);
+        image.pixels = LoadRgb(folder + row.file, &image.width, &image.height);
         if (!image.pixels) {
             image.width = image.height = 0;
         }
