@@ -133,6 +133,15 @@ void RenderV1::SetUpdata() {
         LoadRgb(VxFileSystem::ToNativePath(bumpPath.c_str()), &gumBumpWidth, &gumBumpHeight);
 
     const std::string fontPath = NativePath(L"\\default.ttf");
+    // A second read replaces the font; the stores hold only textures made from the old face.
+    if (ftFace != nullptr) {
+        FT_Done_Face(ftFace);
+        ftFace = nullptr;
+    }
+    if (ftLibrary != nullptr) {
+        FT_Done_FreeType(ftLibrary);
+        ftLibrary = nullptr;
+    }
     if (FT_Init_FreeType(&ftLibrary)) {
         ftLibrary = nullptr;
         std::cout << "ERROR::FREETYPE: Could not init FreeType Library" << std::endl;
