@@ -82,6 +82,7 @@
 // platform
 #include <platform/VxDriverQuirks.h>
 #include <platform/VxFileSystem.h>
+#include <platform/VxFontOutlines.h>
 #include <platform/VxFontResolver.h>
 #include <platform/VxGLCheck.h>
 #include <platform/VxGLContext.h>
@@ -160,6 +161,7 @@
 #include <aux/VxAuxPolyline.h>
 #include <aux/VxAuxRender.h>
 #include <aux/VxAuxSurface.h>
+#include <aux/VxAuxText.h>
 #include <aux/VxAuxTorus.h>
 
 // overlays
