@@ -14,6 +14,7 @@
 #include <aux/VxAuxPoint.h>
 #include <aux/VxAuxPolyline.h>
 #include <aux/VxAuxRender.h>
+#include <aux/VxAuxText.h>
 #include <aux/VxAuxTorus.h>
 #include <interfaces/VxBBox.h>
 #include <interfaces/VxBSplineCurve.h>
@@ -251,6 +252,21 @@ int VxAppAddAuxDemo(VxCase& c, VxAuxRender* aux, VxPoint& focus, std::string& er
     }
     face->SetFaces(labial);
     add(face);
+    // Labels: the arrow's tooth number in outline glyphs at its tip, facing the viewer however
+    // the jaw is turned, and a caption in window pixels from the top-left corner.
+    auto* label = new VxAuxText();
+    label->SetTextType(Text_ModelNoDepth);
+    label->SetColor(VxColor(255, 140, 0));
+    label->SetTextPos(a13 + outwards * 8.0 + up * 2.5);
+    label->SetText(CString(L"13"));
+    add(label);
+    auto* caption = new VxAuxText();
+    caption->SetTextType(Text_OnScreen);
+    caption->SetSize(18);
+    caption->SetColor(VxColor(255, 255, 255));
+    caption->SetTextPos(CPoint(12, 26));
+    caption->SetText(CString(L"aux sample"));
+    add(caption);
     return added;
 }
 
@@ -269,7 +285,8 @@ std::string VxAppDescribeAux(const VxAuxObject* o) {
                  {ObjectType_AuxLine, "line"},       {ObjectType_AuxPipeLine, "pipe"},
                  {ObjectType_AuxBox, "box"},         {ObjectType_AuxTorus, "torus arc"},
                  {ObjectType_AuxCircle, "circle"},   {ObjectType_AuxPlane, "plane"},
-                 {ObjectType_AuxFace, "face patch"}, {ObjectType_AuxMesh, "mesh"}};
+                 {ObjectType_AuxFace, "face patch"}, {ObjectType_AuxMesh, "mesh"},
+                 {ObjectType_AuxText, "label"}};
     for (const auto& n : names) {
         if (o->IsKindOf(n.kind)) {
             return n.name;
