@@ -153,6 +153,7 @@
 #include <aux/VxAuxDrawer.h>
 #include <aux/VxAuxFace.h>
 #include <aux/VxAuxLine.h>
+#include <aux/VxAuxMarker.h>
 #include <aux/VxAuxMesh.h>
 #include <aux/VxAuxObject.h>
 #include <aux/VxAuxPipeLine.h>
