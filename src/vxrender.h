@@ -153,6 +153,7 @@
 #include <aux/VxAuxDrawer.h>
 #include <aux/VxAuxFace.h>
 #include <aux/VxAuxLine.h>
+#include <aux/VxAuxLine2D.h>
 #include <aux/VxAuxMarker.h>
 #include <aux/VxAuxMesh.h>
 #include <aux/VxAuxObject.h>
@@ -160,6 +161,7 @@
 #include <aux/VxAuxPlane.h>
 #include <aux/VxAuxPoint.h>
 #include <aux/VxAuxPolyline.h>
+#include <aux/VxAuxPolyline2D.h>
 #include <aux/VxAuxRender.h>
 #include <aux/VxAuxSurface.h>
 #include <aux/VxAuxText.h>

@@ -5,7 +5,9 @@
 
 #include <GL/glew.h>
 
+#include <aux/VxAuxLine2D.h>
 #include <aux/VxAuxMarker.h>
+#include <aux/VxAuxPolyline2D.h>
 #include <aux/VxAuxRender.h>
 #include <interfaces/VxMatrix.h>
 #include <interfaces/VxXForm.h>
@@ -205,4 +207,58 @@ TEST_F(AuxMarkerTest, PinnedModelMarkerKeepsItsPixelsThroughATurn) {
     EXPECT_EQ(moved, 0);
     EXPECT_GT(greenMoved, 10) << "the marker that is not pinned turns with the model";
     EXPECT_TRUE(pinned->HitTest(centre.x, centre.y));
+}
+
+TEST_F(AuxMarkerTest, ScreenLineIsAFaintVeilAcrossTheWindowAndNeverHit) {
+    VxAuxTestScene scene(4.0, false);
+    auto* line = new VxAuxLine2D();
+    line->SetColor(VxColor(255, 255, 255));
+    line->SetPoint(CPoint(20, 30), CPoint(220, 30));
+    line->SetWidth(1.0f);
+    VxAuxTestScene::Aux()->AddAuxObject(line);
+    ASSERT_EQ(VxAuxTestScene::Aux()->GetScreenLines().size(), 1u);
+    const VxTestImage img = scene.FrameWithAux();
+    // Alpha 80 over black: a grey of about 80 along the row (y from the top), nothing elsewhere.
+    int onRow = 0;
+    int elsewhere = 0;
+    for (int y = 0; y < kH; ++y) {
+        for (int x = 0; x < kW; ++x) {
+            const std::uint8_t* p = img.Pixel(x, y);
+            if (p[0] == 0 && p[1] == 0 && p[2] == 0) {
+                continue;
+            }
+            if (std::abs(y - 30) <= 1 && x >= 20 && x <= 220) {
+                EXPECT_NEAR(p[0], 80, 6) << x << "," << y;
+                ++onRow;
+            } else {
+                ++elsewhere;
+            }
+        }
+    }
+    EXPECT_NEAR(onRow, 200, 3);
+    EXPECT_EQ(elsewhere, 0);
+    EXPECT_FALSE(line->HitTest(100, 30));
+    VxAuxTestScene::Aux()->HitTest(CPoint(100, 30));
+    EXPECT_EQ(VxAuxTestScene::Aux()->GetHitObject(), nullptr);
+}
+
+TEST_F(AuxMarkerTest, ScreenPolylineSitsAtItsViewFractionInFrontOfTheScene) {
+    VxAuxTestScene scene(4.0, true); // the slab covers the left half, nearer than anything else
+    auto* poly = new VxAuxPolyline2D();
+    poly->SetColor(VxColor(255, 0, 0));
+    poly->SetPos(0.1, 0.5);
+    poly->AddPoint({VxPoint(0, 0, 0), VxPoint(40, 0, 0)});
+    poly->AddPoint({VxPoint(0, 10, 0), VxPoint(0, 30, 0)});
+    VxAuxTestScene::Aux()->AddAuxObject(poly);
+    const VxTestImage img = scene.FrameWithAux();
+    // x = 0.1 * 300 = 30, y = 0.5 * 200 = 100 from the bottom: row 99 or 100 from the top.
+    const int row = IsRed(img.Pixel(50, 100)) ? 100 : 99;
+    EXPECT_NEAR(RowCount(img, row, 0, kW), 40, 1) << "drawn over the slab";
+    EXPECT_NEAR(ColumnCount(img, 30, 0, kH) + ColumnCount(img, 29, 0, kH), 20, 2);
+    poly->Clear();
+    EXPECT_EQ(Count(scene.FrameWithAux(), IsRed), 0);
+    GLdouble range[2];
+    glGetDoublev(GL_DEPTH_RANGE, range);
+    EXPECT_EQ(range[0], 0.0);
+    EXPECT_EQ(range[1], 1.0);
 }
