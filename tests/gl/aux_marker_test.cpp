@@ -5,6 +5,7 @@
 
 #include <GL/glew.h>
 
+#include <aux/VxAuxBillBoard.h>
 #include <aux/VxAuxLine2D.h>
 #include <aux/VxAuxMarker.h>
 #include <aux/VxAuxPolyline2D.h>
@@ -261,4 +262,31 @@ TEST_F(AuxMarkerTest, ScreenPolylineSitsAtItsViewFractionInFrontOfTheScene) {
     glGetDoublev(GL_DEPTH_RANGE, range);
     EXPECT_EQ(range[0], 0.0);
     EXPECT_EQ(range[1], 1.0);
+}
+
+TEST_F(AuxMarkerTest, ScreenFramesPanelInPixelsAndOutlineAtViewFractions) {
+    VxAuxTestScene scene(4.0, true); // grey slab over x 70..150
+    auto* panel = new VxAuxBillBoard();
+    panel->SetType(BillBoardType_Panel);
+    panel->Set(180, 50, 60, 30); // pixels, y from the top: rows 20..49
+    VxAuxTestScene::Aux()->AddAuxObject(panel);
+    auto* outline = new VxAuxBillBoard();
+    outline->Set(0.3, 0.3, 40, 20); // from (90, 60) up from the bottom, over the slab
+    VxAuxTestScene::Aux()->AddAuxObject(outline);
+    const VxTestImage img = scene.FrameWithAux();
+    VxAuxTestScene::Save(img, "aux_billboard_frames");
+    // Blue at alpha 64 over black.
+    EXPECT_NEAR(img.Pixel(210, 35)[2], 64, 4);
+    EXPECT_EQ(img.Pixel(210, 35)[0], 0);
+    EXPECT_EQ(img.Pixel(210, 52)[2], 0);
+    EXPECT_EQ(img.Pixel(243, 35)[2], 0);
+    EXPECT_EQ(img.Pixel(210, 17)[2], 0);
+    // The outline's bottom edge lies on the row 60 pixels up, black across the grey slab.
+    int dark = 0;
+    for (int x = 94; x < 126; ++x) {
+        const int y = kH - 60;
+        dark += (img.Pixel(x, y)[0] < 30 || img.Pixel(x, y - 1)[0] < 30) ? 1 : 0;
+    }
+    EXPECT_EQ(dark, 32);
+    EXPECT_GT(img.Pixel(110, kH - 70)[0], 60) << "the inside stays the slab's grey";
 }
