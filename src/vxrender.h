@@ -166,6 +166,7 @@
 #include <aux/VxAuxRender.h>
 #include <aux/VxAuxSurface.h>
 #include <aux/VxAuxText.h>
+#include <aux/VxAuxTexture.h>
 #include <aux/VxAuxTorus.h>
 
 // overlays

@@ -5,6 +5,7 @@
 
 #include <aux/VxAuxObject.h>
 #include <aux/VxAuxText.h>
+#include <aux/VxAuxTexture.h>
 #include <mesh/VxVBOHandleMgr.h>
 #include <views/VxViewManager.h>
 #include <views/VxViewRegion.h>
@@ -116,10 +117,15 @@ void LoadView(VxViewRegion* view) {
 void VxAuxRender::Render() {
     for (VxViewRegion* view : VxViewManager::GetInstance()->GetAllViews()) {
         LoadView(view);
-        // Hook: textures draw only in their related view and billboards take the view first
-        // when those classes join; until then each draws plainly in every view.
+        // A picture belongs to one view and is drawn only there. Hook: billboards take the
+        // view first when their class joins; until then each draws plainly in every view.
         for (VxAuxObject* o : m_textures) {
-            o->Draw();
+            auto* texture = dynamic_cast<VxAuxTexture*>(o);
+            if (texture == nullptr) {
+                o->Draw();
+            } else if (texture->GetRelatedView() == view) {
+                texture->Draw();
+            }
         }
         for (VxAuxObject* o : m_billboards) {
             o->Draw();
