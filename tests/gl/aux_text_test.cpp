@@ -10,6 +10,7 @@
 #include <aux/VxAuxRender.h>
 #include <aux/VxAuxText.h>
 #include <frame/VxOpenGLRender.h>
+#include <frame/VxRenderStatus.h>
 #include <interfaces/VxMatrix.h>
 #include <interfaces/VxXForm.h>
 #include <views/VxViewManager.h>
@@ -20,6 +21,7 @@
 #include <cmath>
 #include <cstring>
 #include <string>
+#include <vector>
 #include <cstdlib>
 
 namespace {
@@ -145,6 +147,40 @@ TEST_F(AuxTextTest, ScreenTextBoxesCountFromTopLeftAndBottomRight) {
     EXPECT_EQ(once.x0, ink.x0);
     EXPECT_EQ(once.y1, ink.y1);
     EXPECT_EQ(once.count, ink.count);
+}
+
+TEST_F(AuxTextTest, CaptureIntoTheOffScreenBufferPlacesScreenTextByItsSize) {
+    VxAuxTestScene scene(4.0, false);
+    VxAuxText* a = AddText(Text_OnScreen, L"HH", VxColor(255, 255, 255));
+    a->SetTextPos(CPoint(-40, -10));
+    // A buffer smaller than the window: measured from the window's right edge the text would
+    // fall outside it.
+    constexpr int fw = 200;
+    constexpr int fh = 120;
+    VxFrameBufferObj* fbo = VxRenderStatus::GetInstance()->GetFrameBufObj();
+    ASSERT_TRUE(fbo->Setup(fw, fh));
+    fbo->Begin();
+    scene.Frame();
+    VxAuxTestScene::Aux()->Render();
+    std::vector<std::uint8_t> rgba(size_t(fw) * fh * 4);
+    glReadPixels(0, 0, fw, fh, GL_RGBA, GL_UNSIGNED_BYTE, rgba.data());
+    fbo->End();
+    fbo->Destory();
+    int inside = 0;
+    int outside = 0;
+    for (int y = 0; y < fh; ++y) { // bottom-up
+        for (int x = 0; x < fw; ++x) {
+            const std::uint8_t* p = &rgba[(size_t(y) * fw + x) * 4];
+            if (!IsWhite(p)) {
+                continue;
+            }
+            const bool box = x >= fw - 40 && x < fw - 40 + a->GetBitmapWidth() && y >= 10 &&
+                             y < 10 + a->GetBitmapHeight();
+            (box ? inside : outside) += 1;
+        }
+    }
+    EXPECT_GT(inside, 20);
+    EXPECT_EQ(outside, 0);
 }
 
 TEST_F(AuxTextTest, EmptyTextAndHiddenTypeDrawNothingAndLeaveStateAlone) {
