@@ -148,6 +148,7 @@
 // aux
 #include <aux/VxAuxArrow.h>
 #include <aux/VxAuxBillBoard.h>
+#include <aux/VxAuxBillBoard3d.h>
 #include <aux/VxAuxBox.h>
 #include <aux/VxAuxCircle.h>
 #include <aux/VxAuxCurve.h>

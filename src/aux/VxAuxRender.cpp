@@ -3,6 +3,7 @@
 
 #include <GL/glew.h>
 
+#include <aux/VxAuxBillBoard3d.h>
 #include <aux/VxAuxObject.h>
 #include <aux/VxAuxText.h>
 #include <aux/VxAuxTexture.h>
@@ -117,8 +118,8 @@ void LoadView(VxViewRegion* view) {
 void VxAuxRender::Render() {
     for (VxViewRegion* view : VxViewManager::GetInstance()->GetAllViews()) {
         LoadView(view);
-        // A picture belongs to one view and is drawn only there. Hook: billboards take the
-        // view first when their class joins; until then each draws plainly in every view.
+        // A picture belongs to one view and is drawn only there; a pin label is placed for
+        // the view it is drawn in.
         for (VxAuxObject* o : m_textures) {
             auto* texture = dynamic_cast<VxAuxTexture*>(o);
             if (texture == nullptr) {
@@ -128,6 +129,9 @@ void VxAuxRender::Render() {
             }
         }
         for (VxAuxObject* o : m_billboards) {
+            if (auto* billboard = dynamic_cast<VxAuxBillBoard3d*>(o)) {
+                billboard->SetRelatedView(view);
+            }
             o->Draw();
         }
         // Texts draw in the view they are given; whole-window texts wait for the end. An object
