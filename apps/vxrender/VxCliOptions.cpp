@@ -414,7 +414,7 @@ std::string VxCliHelpText() {
          "                         list rows (text from the library's own font) over the picture\n"
          "      --aux-demo         draw a sample of every aux object over the patient (sphere,\n"
          "                         box, arrows, polyline, curve, pipe, planes, circle, torus,\n"
-         "                         face patch, labels)\n"
+         "                         face patch, labels, pin labels)\n"
          "      --no-axis          leave out the small axis cross drawn in the lower-right\n"
          "                         corner of every view\n"
          "  -q, --quiet            do not list the pictures written\n"
