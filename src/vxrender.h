@@ -82,6 +82,7 @@
 // platform
 #include <platform/VxDriverQuirks.h>
 #include <platform/VxFileSystem.h>
+#include <platform/VxFontOutlines.h>
 #include <platform/VxFontResolver.h>
 #include <platform/VxGLCheck.h>
 #include <platform/VxGLContext.h>
@@ -151,20 +152,27 @@
 
 // aux
 #include <aux/VxAuxArrow.h>
+#include <aux/VxAuxBillBoard.h>
+#include <aux/VxAuxBillBoard3d.h>
 #include <aux/VxAuxBox.h>
 #include <aux/VxAuxCircle.h>
 #include <aux/VxAuxCurve.h>
 #include <aux/VxAuxDrawer.h>
 #include <aux/VxAuxFace.h>
 #include <aux/VxAuxLine.h>
+#include <aux/VxAuxLine2D.h>
+#include <aux/VxAuxMarker.h>
 #include <aux/VxAuxMesh.h>
 #include <aux/VxAuxObject.h>
 #include <aux/VxAuxPipeLine.h>
 #include <aux/VxAuxPlane.h>
 #include <aux/VxAuxPoint.h>
 #include <aux/VxAuxPolyline.h>
+#include <aux/VxAuxPolyline2D.h>
 #include <aux/VxAuxRender.h>
 #include <aux/VxAuxSurface.h>
+#include <aux/VxAuxText.h>
+#include <aux/VxAuxTexture.h>
 #include <aux/VxAuxTorus.h>
 
 // overlays

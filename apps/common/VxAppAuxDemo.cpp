@@ -4,6 +4,7 @@
 #include <VxCase.h>
 
 #include <aux/VxAuxArrow.h>
+#include <aux/VxAuxBillBoard3d.h>
 #include <aux/VxAuxBox.h>
 #include <aux/VxAuxCircle.h>
 #include <aux/VxAuxCurve.h>
@@ -14,6 +15,7 @@
 #include <aux/VxAuxPoint.h>
 #include <aux/VxAuxPolyline.h>
 #include <aux/VxAuxRender.h>
+#include <aux/VxAuxText.h>
 #include <aux/VxAuxTorus.h>
 #include <interfaces/VxBBox.h>
 #include <interfaces/VxBSplineCurve.h>
@@ -23,6 +25,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace {
@@ -251,6 +254,33 @@ int VxAppAddAuxDemo(VxCase& c, VxAuxRender* aux, VxPoint& focus, std::string& er
     }
     face->SetFaces(labial);
     add(face);
+    // Labels: the arrow's tooth number in outline glyphs at its tip, facing the viewer however
+    // the jaw is turned, and a caption in window pixels from the top-left corner.
+    auto* label = new VxAuxText();
+    label->SetTextType(Text_ModelNoDepth);
+    label->SetColor(VxColor(255, 140, 0));
+    label->SetTextPos(a13 + outwards * 8.0 + up * 2.5);
+    label->SetText(CString(L"13"));
+    add(label);
+    auto* caption = new VxAuxText();
+    caption->SetTextType(Text_OnScreen);
+    caption->SetSize(18);
+    caption->SetColor(VxColor(255, 255, 255));
+    caption->SetTextPos(CPoint(12, 26));
+    caption->SetText(CString(L"aux sample"));
+    add(caption);
+    // Pin labels on the upper centrals: a leader from the crown to a plate above it.
+    for (VxTooth* t : {u11, u21}) {
+        auto* pin = new VxAuxBillBoard3d();
+        pin->SetTextType(Text_ModelDepth);
+        pin->SetText(CString(std::to_wstring(t->GetFDI()).c_str()));
+        const VxPoint base = front(t) + forward * 1.0;
+        // The two plates lean apart so that neither covers the other.
+        const double lean = (Centre(t) - incisors) % side > 0.0 ? 4.0 : -4.0;
+        pin->SetLine(base, base + up * 9.0 + forward * 2.0 + side * lean);
+        pin->SetComponentsColor(VxColor(40, 160, 255), VxColor(40, 160, 255), VxColor(0, 0, 0));
+        add(pin);
+    }
     return added;
 }
 
@@ -265,11 +295,18 @@ std::string VxAppDescribeAux(const VxAuxObject* o) {
     const struct {
         ObjectType_e kind;
         const char* name;
-    } names[] = {{ObjectType_AuxPoint, "sphere"},    {ObjectType_AuxArrow, "arrow"},
-                 {ObjectType_AuxLine, "line"},       {ObjectType_AuxPipeLine, "pipe"},
-                 {ObjectType_AuxBox, "box"},         {ObjectType_AuxTorus, "torus arc"},
-                 {ObjectType_AuxCircle, "circle"},   {ObjectType_AuxPlane, "plane"},
-                 {ObjectType_AuxFace, "face patch"}, {ObjectType_AuxMesh, "mesh"}};
+    } names[] = {{ObjectType_AuxPoint, "sphere"},
+                 {ObjectType_AuxArrow, "arrow"},
+                 {ObjectType_AuxLine, "line"},
+                 {ObjectType_AuxPipeLine, "pipe"},
+                 {ObjectType_AuxBox, "box"},
+                 {ObjectType_AuxTorus, "torus arc"},
+                 {ObjectType_AuxCircle, "circle"},
+                 {ObjectType_AuxPlane, "plane"},
+                 {ObjectType_AuxFace, "face patch"},
+                 {ObjectType_AuxMesh, "mesh"},
+                 {ObjectType_AuxBillBoard3d, "pin label"},
+                 {ObjectType_AuxText, "label"}};
     for (const auto& n : names) {
         if (o->IsKindOf(n.kind)) {
             return n.name;

@@ -357,8 +357,12 @@ void VxAppScene::RenderFrame() {
     } else {
         Render()->RenderScene(false);
     }
-    // The host's part of a frame: aux objects after the scene, so their depth passes see it.
+    // The host's part of a frame: aux objects after the scene, so their depth passes see it,
+    // and the axis cross last, in each view's lower-right corner.
     VxRenderStatus::GetInstance()->GetAuxRender()->Render();
+    if (m_axisCross) {
+        Render()->DrawCoordinateSystem();
+    }
 }
 
 bool VxAppScene::SetAuxDemo(bool on, std::string& error) {

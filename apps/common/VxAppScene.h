@@ -66,6 +66,9 @@ public:
     // False with `error` set when the case cannot carry the sample.
     bool SetAuxDemo(bool on, std::string& error);
     bool IsAuxDemo() const { return m_auxDemo; }
+    // The small axis cross in each view's lower-right corner (on from the start).
+    void SetAxisCross(bool on) { m_axisCross = on; }
+    bool IsAxisCross() const { return m_axisCross; }
     // Hit test of the aux registry at a pixel (y from the top) after a frame; the hit object is
     // highlighted in the next frames. Its description, or empty when nothing is hit. With
     // `toggle` the hit object's selection flips as well.
@@ -101,6 +104,7 @@ private:
     VxAppJaws m_jaws = VxAppJaws::Both;
     VxAppDisplay m_display = VxAppDisplay::Solid;
     bool m_auxDemo = false;
+    bool m_axisCross = true;
     // The jaw mask each view got from its layout, before the jaw choice narrows it.
     std::vector<unsigned int> m_layoutMasks;
 };

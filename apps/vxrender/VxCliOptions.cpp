@@ -216,6 +216,11 @@ const std::vector<Option>& Options() {
              o.auxDemo = true;
              return std::string();
          }},
+        {"--no-axis", nullptr, false,
+         [](const std::string&, VxCliOptions& o) {
+             o.noAxis = true;
+             return std::string();
+         }},
         {"--quiet", "-q", false,
          [](const std::string&, VxCliOptions& o) {
              o.quiet = true;
@@ -410,7 +415,9 @@ std::string VxCliHelpText() {
          "                         list rows (text from the library's own font) over the picture\n"
          "      --aux-demo         draw a sample of every aux object over the patient (sphere,\n"
          "                         box, arrows, polyline, curve, pipe, planes, circle, torus,\n"
-         "                         face patch)\n"
+         "                         face patch, labels, pin labels)\n"
+         "      --no-axis          leave out the small axis cross drawn in the lower-right\n"
+         "                         corner of every view\n"
          "  -q, --quiet            do not list the pictures written\n"
          "  -h, --help             show this text and exit\n"
          "\n"

@@ -43,7 +43,8 @@ struct VxCliOptions {
     std::string writeCase; // non-empty: also save the case (e.g. the synthetic one) there
     // Lay a sample of the gap editor's value cards and list rows over each picture.
     bool editorSample = false;
-    bool auxDemo = false;  // draw the sample of aux objects over the patient
+    bool auxDemo = false; // draw the sample of aux objects over the patient
+    bool noAxis = false;  // no axis cross in the views' corners
 };
 
 struct VxCliParseResult {

@@ -111,6 +111,7 @@ int VxCliRender(const VxCliOptions& options, std::string& error) {
             return 1;
         }
     }
+    scene.SetAxisCross(!options.noAxis);
     if (options.auxDemo && !scene.SetAuxDemo(true, error)) {
         error = "--aux-demo: " + error;
         return 1;

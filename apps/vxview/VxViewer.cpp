@@ -86,6 +86,7 @@ std::string VxViewer::KeyHelp() {
            "  X                clear the selection\n"
            "  A                aux sample on/off; with it on, a click first tries the aux\n"
            "                   objects: the hit one is highlighted and its selection toggled\n"
+           "  O                axis cross in the views' corners on/off\n"
            "  C                save a snapshot (vxview_snapshot_NNN.png in the working folder)\n"
            "  R                reset the view\n"
            "  H                this list\n"
@@ -252,6 +253,10 @@ void VxViewer::OnKey(int key, int action, int /*mods*/) {
         }
         break;
     }
+    case GLFW_KEY_O:
+        m_scene.SetAxisCross(!m_scene.IsAxisCross());
+        PrintState(m_scene.IsAxisCross() ? "axis cross: on" : "axis cross: off");
+        break;
     case GLFW_KEY_X:
         m_scene.ClearSelection();
         PrintState("selection cleared");

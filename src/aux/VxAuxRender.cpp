@@ -3,7 +3,10 @@
 
 #include <GL/glew.h>
 
+#include <aux/VxAuxBillBoard3d.h>
 #include <aux/VxAuxObject.h>
+#include <aux/VxAuxText.h>
+#include <aux/VxAuxTexture.h>
 #include <mesh/VxVBOHandleMgr.h>
 #include <views/VxViewManager.h>
 #include <views/VxViewRegion.h>
@@ -115,17 +118,31 @@ void LoadView(VxViewRegion* view) {
 void VxAuxRender::Render() {
     for (VxViewRegion* view : VxViewManager::GetInstance()->GetAllViews()) {
         LoadView(view);
-        // Hook: textures draw only in their related view, billboards take the view first and
-        // texts take it as an argument (and type-4 texts draw once below) when those classes
-        // join; until then each draws plainly in every view.
+        // A picture belongs to one view and is drawn only there; a pin label is placed for
+        // the view it is drawn in.
         for (VxAuxObject* o : m_textures) {
-            o->Draw();
+            auto* texture = dynamic_cast<VxAuxTexture*>(o);
+            if (texture == nullptr) {
+                o->Draw();
+            } else if (texture->GetRelatedView() == view) {
+                texture->Draw();
+            }
         }
         for (VxAuxObject* o : m_billboards) {
+            if (auto* billboard = dynamic_cast<VxAuxBillBoard3d*>(o)) {
+                billboard->SetRelatedView(view);
+            }
             o->Draw();
         }
+        // Texts draw in the view they are given; whole-window texts wait for the end. An object
+        // that only answers the text kind, without being one, draws plainly.
         for (VxAuxObject* o : m_texts) {
-            o->Draw();
+            auto* text = dynamic_cast<VxAuxText*>(o);
+            if (text == nullptr) {
+                o->Draw();
+            } else if (text->GetTextType() != Text_OnScreenOnce) {
+                text->Draw(view);
+            }
         }
         for (VxAuxObject* o : m_objects) {
             o->Draw();
@@ -140,6 +157,14 @@ void VxAuxRender::Render() {
     glPushMatrix();
     for (VxAuxObject* o : m_screenLines) {
         o->Draw();
+    }
+    glPopMatrix();
+    glPushMatrix();
+    for (VxAuxObject* o : m_texts) {
+        auto* text = dynamic_cast<VxAuxText*>(o);
+        if (text != nullptr && text->GetTextType() == Text_OnScreenOnce) {
+            text->Draw(nullptr);
+        }
     }
     glPopMatrix();
 }

@@ -5,6 +5,7 @@
 #include <GL/glew.h>
 #include <GL/glu.h>
 
+#include <aux/VxAuxText.h>
 #include <frame/NuCameraSnapshot.h>
 #include <frame/OpenGLVersion.h>
 #include <frame/VxDIBLoader.h>
@@ -38,6 +39,9 @@ namespace {
 constexpr GLbitfield kDrawModelAttribs = 0x501; // current, depth, stencil
 constexpr GLbitfield kBackgroundAttribs = 0x41; // current, lighting
 constexpr GLbitfield kZoomAreaAttribs = 0x6141; // colour, enable, depth, lighting, current
+// Depth, lighting, current, and the scissor that keeps the letters' bitmaps, which the viewport
+// does not clip, inside the corner.
+constexpr GLbitfield kAxisAttribs = 0x141 | GL_SCISSOR_BIT;
 constexpr GLbitfield kLeftDownAttribs = 0x2141; // enable, depth, lighting, current
 constexpr int kFeedbackNoScore = 0x10000;
 // A window-depth difference below this counts as the same surface.
@@ -108,9 +112,7 @@ VxOpenGLRender::VxOpenGLRender() : m_camera(new VxCamera()) {}
 VxOpenGLRender::~VxOpenGLRender() {
     delete m_camera;
     m_camera = nullptr;
-    // The axis label text is deleted here once the aux text class exists:
-    //   delete m_axisText;
-    m_axisText = nullptr;
+    DeleteAxisText();
     // Runs at process exit with whatever context is then current; the corner icon textures and
     // the context itself are deliberately left alone.
     if (m_bkTexture != 0) {
@@ -147,8 +149,7 @@ bool VxOpenGLRender::Create(HWND window, int depthBits, int stencilBits) {
     if (!m_glContext->MakeCurrent()) {
         return false;
     }
-    // The axis label of DrawCoordinateSystem is made here once the aux text class exists:
-    //   m_axisText = new VxAuxText();
+    CreateAxisText();
     return Initialize();
 }
 
@@ -829,11 +830,94 @@ void VxOpenGLRender::DrawBackgroud() const {
     glPopAttrib();
 }
 
+void VxOpenGLRender::DeleteAxisText() {
+    for (VxAuxText*& text : m_axisText) {
+        delete text;
+        text = nullptr;
+    }
+}
+
+// Bitmap letters, 15 pixels, placed at each arrow's tip through the axis viewport's own matrices:
+// the cones are a few pixels long there, and glyph outlines at any model size would either
+// swamp the cross or vanish, while a bitmap stays legible at every turn.
+void VxOpenGLRender::CreateAxisText() {
+    DeleteAxisText();
+    struct Letter {
+        const wchar_t* text;
+        VxPoint pos;
+        VxColor color;
+    };
+    const Letter letters[3] = {
+        {L"X", VxPoint(1, 0, 0), VxColor(200, 0, 0, 100)},
+        {L"Y", VxPoint(0, 1, 0), VxColor(0, 200, 0, 100)},
+        {L"Z", VxPoint(0, 0, 1), VxColor(0, 0, 200, 100)},
+    };
+    for (int i = 0; i < 3; ++i) {
+        m_axisText[i] = new VxAuxText();
+        m_axisText[i]->SetTextType(Text_OnScreen);
+        m_axisText[i]->SetSize(15);
+        m_axisText[i]->SetColor(letters[i].color);
+        m_axisText[i]->SetTextPos(letters[i].pos);
+        m_axisText[i]->SetText(CString(letters[i].text));
+    }
+}
+
 void VxOpenGLRender::DrawCoordinateSystem() {
-    // The axis cross of each view (shafts and heads from GLU quadrics, turning with the view's
-    // rotation only, labelled "X", "Y", "Z" through the axis label text) needs the aux text
-    // object, which is not part of the library yet. Until then this draws nothing and leaves all
-    // GL state as it was.
+    int W = 0;
+    int H = 0;
+    VxViewManager::GetInstance()->GetTotalViewSize(W, H);
+    if (H <= 0) {
+        return;
+    }
+    constexpr int kAxisHeight = 100;
+    const int axisWidth = int(double(kAxisHeight) * W / H);
+    glPushAttrib(kAxisAttribs);
+    glEnable(GL_DEPTH_TEST);
+    glEnable(GL_LIGHTING);
+    glEnable(GL_LIGHT0);
+    glEnable(GL_SCISSOR_TEST);
+    glMatrixMode(GL_MODELVIEW);
+    const double z = m_camera->GetLocationZ();
+    for (VxViewRegion* view : VxViewManager::GetInstance()->GetAllViews()) {
+        glPushMatrix();
+        glTranslated(0.0, 0.0, z - 2.0);
+        const int left = view->Origin().x + view->Width() - axisWidth;
+        glViewport(left, view->Origin().y, axisWidth, kAxisHeight);
+        glScissor(left, view->Origin().y, axisWidth, kAxisHeight);
+        double rotation[16];
+        view->GetXForm().GetRotation(rotation);
+        glMultMatrixd(rotation);
+        // Z, Y, X: the order the letters and arrows are listed in.
+        for (int i = 2; i >= 0; --i) {
+            if (m_axisText[i] != nullptr) {
+                m_axisText[i]->Draw();
+            }
+        }
+        GLUquadric* quadric = gluNewQuadric();
+        if (quadric != nullptr) {
+            gluQuadricOrientation(quadric, GLU_OUTSIDE);
+            gluQuadricDrawStyle(quadric, GLU_FILL);
+            auto arrow = [quadric]() {
+                gluCylinder(quadric, 0.05, 0.05, 0.6, 32, 32);
+                glTranslated(0.0, 0.0, 0.6);
+                gluCylinder(quadric, 0.1, 0.0, 0.2, 32, 32);
+                glTranslated(0.0, 0.0, -0.6);
+            };
+            glColor3f(0.125f, 0.125f, 0.5f);
+            arrow();
+            glColor3f(0.125f, 0.5f, 0.125f);
+            glRotated(-90.0, 1.0, 0.0, 0.0);
+            arrow();
+            glRotated(90.0, 1.0, 0.0, 0.0);
+            glColor3f(0.5f, 0.125f, 0.125f);
+            glRotated(90.0, 0.0, 1.0, 0.0);
+            arrow();
+            glRotated(-90.0, 0.0, 1.0, 0.0);
+            gluDeleteQuadric(quadric);
+        }
+        glPopMatrix();
+    }
+    glPopAttrib();
 }
 
 void VxOpenGLRender::DrawZoomArea() {

@@ -69,8 +69,8 @@ public:
     // Takes effect only in a following Create: Initialize loads it.
     void SetBkGround(const CString& path) { m_bkPath = path; }
     void SetLeftDownBmp(const std::vector<CString>& paths) { m_leftDownPaths = paths; }
-    // The axis cross of each view; waits for the text objects of the aux family and draws
-    // nothing until then.
+    // A small axis cross in the lower-right corner of each view, 100 pixels high, turning with
+    // the view's rotation but not with its zoom or pan. Leaves the last axis viewport in force.
     void DrawCoordinateSystem();
     void DrawZoomArea();
 
@@ -99,6 +99,8 @@ public:
     CImage* CreateSnapshot(const CRect& rect);
 
 private:
+    void CreateAxisText();
+    void DeleteAxisText();
     friend class VxOpenGLRenderTestAccess;
 
     bool Initialize();
@@ -128,6 +130,8 @@ private:
     VxCamera* m_camera = nullptr;
     VxModel* m_model = nullptr;
     CString m_bkPath;
-    VxAuxText* m_axisText = nullptr;
+    // The axis letters "X", "Y", "Z", each built once by Create rather than re-texted in every
+    // view of every frame.
+    VxAuxText* m_axisText[3] = {nullptr, nullptr, nullptr};
     double m_yExtRat = 1.0;
 };
