@@ -59,7 +59,7 @@ int Count(const VxTestImage& img, bool (*on)(const std::uint8_t*)) {
 
 class AuxMarkerTest : public ::testing::Test {
 protected:
-    static void SetUpTestSuite() { open = VxAuxTestScene::Open(kW, kH); }
+    static void SetUpTestSuite() { open = VxAuxTestScene::Open(kW, kH, false); }
     void SetUp() override {
         if (!open) {
             if (std::getenv("VX_REQUIRE_GL")) {

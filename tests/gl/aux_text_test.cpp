@@ -90,7 +90,7 @@ int LiveLists() {
 
 class AuxTextTest : public ::testing::Test {
 protected:
-    static void SetUpTestSuite() { open = VxAuxTestScene::Open(kW, kH); }
+    static void SetUpTestSuite() { open = VxAuxTestScene::Open(kW, kH, false); }
     void SetUp() override {
         if (!open) {
             if (std::getenv("VX_REQUIRE_GL")) {

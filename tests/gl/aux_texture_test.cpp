@@ -71,7 +71,7 @@ Box Lit(const VxTestImage& img) {
 
 class AuxTextureTest : public ::testing::Test {
 protected:
-    static void SetUpTestSuite() { open = VxAuxTestScene::Open(kW, kH); }
+    static void SetUpTestSuite() { open = VxAuxTestScene::Open(kW, kH, false); }
     void SetUp() override {
         if (!open) {
             if (std::getenv("VX_REQUIRE_GL")) {

@@ -51,7 +51,7 @@ void Box(VxJaw& m, const VxPoint& a, const VxPoint& b) {
 
 } // namespace
 
-bool VxAuxTestScene::Open(int width, int height) {
+bool VxAuxTestScene::Open(int width, int height, bool whitePage) {
     if (g_open) {
         return width == g_width && height == g_height;
     }
@@ -61,7 +61,7 @@ bool VxAuxTestScene::Open(int width, int height) {
     // The pixel checks tell the objects from a plain white page; without a picture the window
     // would be black.
     const std::string white = VxTestOutputDir() + "/aux_scene_white.bmp";
-    if (VxWriteBmp24(white, 4, 4, VxTestRgb{255, 255, 255})) {
+    if (whitePage && VxWriteBmp24(white, 4, 4, VxTestRgb{255, 255, 255})) {
         render->SetBkGround(CString::FromUtf8(white));
     }
     if (!g_window || !render->Create(g_window.get(), 24, 8) || !render->GetGLContext()) {

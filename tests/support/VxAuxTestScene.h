@@ -18,7 +18,9 @@ class VxOpenGLRender;
 class VxAuxTestScene {
 public:
     // Opens the context once per process; false where EGL gives none.
-    static bool Open(int width, int height);
+    // whitePage: a plain white picture behind everything; otherwise the window is black, as the
+    // library paints it without a picture. Once per process; the first call decides.
+    static bool Open(int width, int height, bool whitePage = true);
     static int Width();
     static int Height();
 
