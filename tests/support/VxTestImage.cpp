@@ -155,3 +155,34 @@ VxImageDifference VxDiffImages(const VxTestImage& actual, const VxTestImage& exp
     }
     return VxCompareImages(actual, expected, maxThreshold, meanThreshold, name);
 }
+
+void VxExpectMatchesGolden(const VxTestImage& actual, const std::string& name) {
+    ASSERT_FALSE(actual.Empty()) << "no GL context";
+    const std::string written = VxTestOutputDir() + "/golden_" + name;
+    VxWritePng(written, actual);
+    const std::string golden = VxTestSourceDir() + "/golden/" + name;
+    const char* update = std::getenv("VX_UPDATE_GOLDEN");
+    if (update && std::string(update) == "1") {
+        ASSERT_TRUE(VxWritePng(golden, actual));
+        return;
+    }
+    VxTestImage expected;
+    ASSERT_TRUE(VxLoadPng(golden, &expected)) << golden << " is missing";
+    ASSERT_EQ(expected.width, actual.width);
+    ASSERT_EQ(expected.height, actual.height);
+    int clearlyDifferent = 0;
+    double sum = 0.0;
+    for (int y = 0; y < actual.height; ++y) {
+        for (int x = 0; x < actual.width; ++x) {
+            int d = 0;
+            for (int k = 0; k < 3; ++k) {
+                d = std::max(d, std::abs(actual.Pixel(x, y)[k] - expected.Pixel(x, y)[k]));
+            }
+            sum += d;
+            clearlyDifferent += d > 40 ? 1 : 0;
+        }
+    }
+    const double pixels = static_cast<double>(actual.width) * actual.height;
+    EXPECT_LE(clearlyDifferent / pixels, 0.005) << "see " << written;
+    EXPECT_LE(sum / pixels, 1.0) << "see " << written;
+}

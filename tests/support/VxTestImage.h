@@ -56,3 +56,10 @@ VxImageDifference VxDiffImages(const VxTestImage& actual, const VxTestImage& exp
 ::testing::AssertionResult VxCompareImageToFile(const VxTestImage& actual,
                                                 const std::string& goldenPath, int maxThreshold,
                                                 double meanThreshold);
+
+// The check of the whole-scene goldens: the picture is written to VxTestOutputDir() as
+// "golden_<name>" and compared with tests/golden/<name> (VX_UPDATE_GOLDEN=1 writes it there
+// instead). At most 0.5 % of pixels may differ by more than 40 in a channel, and the mean
+// difference may be at most 1 of 255: an edge that a compiler's rounding moves by a pixel passes,
+// a wrong colour, a moved tooth or a missing view does not.
+void VxExpectMatchesGolden(const VxTestImage& actual, const std::string& name);
