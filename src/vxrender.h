@@ -159,6 +159,7 @@
 #include <aux/VxAuxCurve.h>
 #include <aux/VxAuxDrawer.h>
 #include <aux/VxAuxFace.h>
+#include <aux/VxAuxFrame.h>
 #include <aux/VxAuxLine.h>
 #include <aux/VxAuxLine2D.h>
 #include <aux/VxAuxMarker.h>
@@ -169,6 +170,7 @@
 #include <aux/VxAuxPoint.h>
 #include <aux/VxAuxPolyline.h>
 #include <aux/VxAuxPolyline2D.h>
+#include <aux/VxAuxPosition.h>
 #include <aux/VxAuxRender.h>
 #include <aux/VxAuxSurface.h>
 #include <aux/VxAuxText.h>
