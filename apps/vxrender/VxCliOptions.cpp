@@ -216,6 +216,17 @@ const std::vector<Option>& Options() {
              o.auxDemo = true;
              return std::string();
          }},
+        {"--handle", nullptr, true,
+         [](const std::string& v, VxCliOptions& o) {
+             const bool mode =
+                 v.size() == 10 && v.compare(0, 9, "position:") == 0 && v[9] >= '0' && v[9] <= '7';
+             if (v != "frame" && v != "rotate" && v != "position" && !mode) {
+                 return "expected frame, rotate, position or position:0 to position:7; got '" + v +
+                        "'";
+             }
+             o.handle = v;
+             return std::string();
+         }},
         {"--no-axis", nullptr, false,
          [](const std::string&, VxCliOptions& o) {
              o.noAxis = true;
@@ -416,6 +427,12 @@ std::string VxCliHelpText() {
          "      --aux-demo         draw a sample of every aux object over the patient (sphere,\n"
          "                         box, arrows, polyline, curve, pipe, planes, circle, torus,\n"
          "                         face patch, labels, pin labels)\n"
+         "      --handle KIND      draw a manipulator on the selected tooth (--select), else a\n"
+         "                         molar: frame (balls on the axes), rotate (the frame handle\n"
+         "                         turning, with its graduated ring), position (every move\n"
+         "                         arrow and turn arc) or position:N for one move mode N: 0-2\n"
+         "                         move along X, Y, Z; 3 turn about Z; 4 the wide arc about Y;\n"
+         "                         5, 6 turn about X from the centre, from below; 7 all\n"
          "      --no-axis          leave out the small axis cross drawn in the lower-right\n"
          "                         corner of every view\n"
          "  -q, --quiet            do not list the pictures written\n"

@@ -45,6 +45,8 @@ struct VxCliOptions {
     bool editorSample = false;
     bool auxDemo = false; // draw the sample of aux objects over the patient
     bool noAxis = false;  // no axis cross in the views' corners
+    // A manipulator on a tooth: "frame", "rotate", "position" or "position:N"; empty: none.
+    std::string handle;
 };
 
 struct VxCliParseResult {

@@ -14,6 +14,7 @@
 #include <VxCaseIO.h>
 
 #include "VxAppCase.h"
+#include "VxAppHandle.h"
 #include "VxAppScene.h"
 
 #include <VxCase.h>
@@ -125,6 +126,17 @@ int VxCliRender(const VxCliOptions& options, std::string& error) {
     scene.SetDisplay(options.display);
     scene.SetLayout(options.layout);
     scene.SetJaws(options.jaws);
+    VxAppHandle handle;
+    VxAppHandleChoice handleChoice;
+    if (VxAppParseHandle(options.handle, handleChoice)) {
+        const int fdi = options.selectFdi.empty() ? VxAppHandle::DefaultTooth(scene)
+                                                  : options.selectFdi.front();
+        if (!handle.Attach(scene, fdi, handleChoice, error)) {
+            error = "--handle: " + error;
+            return 1;
+        }
+        handle.FocusView(2.5);
+    }
 
     for (const auto& [x, y] : options.picks) {
         if (x >= options.width || y >= options.height) {
