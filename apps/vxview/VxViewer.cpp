@@ -86,6 +86,9 @@ std::string VxViewer::KeyHelp() {
            "  X                clear the selection\n"
            "  A                aux sample on/off; with it on, a click first tries the aux\n"
            "                   objects: the hit one is highlighted and its selection toggled\n"
+           "  T                manipulator on the selected tooth (else a molar), cycling: frame\n"
+           "                   handle, position handle move modes 0 to 7, off; left-drag a ball,\n"
+           "                   arrow or arc to move or turn the tooth (Shift: a tenth as far)\n"
            "  O                axis cross in the views' corners on/off\n"
            "  C                save a snapshot (vxview_snapshot_NNN.png in the working folder)\n"
            "  R                reset the view\n"
@@ -253,6 +256,9 @@ void VxViewer::OnKey(int key, int action, int /*mods*/) {
         }
         break;
     }
+    case GLFW_KEY_T:
+        PrintState(m_handle.Cycle(m_scene, VxAppHandle::DefaultTooth(m_scene)));
+        break;
     case GLFW_KEY_O:
         m_scene.SetAxisCross(!m_scene.IsAxisCross());
         PrintState(m_scene.IsAxisCross() ? "axis cross: on" : "axis cross: off");
@@ -288,12 +294,22 @@ void VxViewer::OnMouseButton(int button, int action) {
         m_dragged = false;
         VxViewManager::GetInstance()->SetActiveView(m_scene.ViewAt(pixel));
         m_lastSphere = m_scene.Render()->MapScreenCoordToSphere(pixel);
+        if (button == GLFW_MOUSE_BUTTON_LEFT && m_handle.IsAttached()) {
+            // The handle is hit against the frame on screen, as a host does.
+            m_scene.RenderFrame();
+            m_handleDrag = m_handle.Grab(pixel);
+            m_dirty = true;
+        }
         return;
     }
     if (action != GLFW_RELEASE || button != m_button) {
         return;
     }
     m_button = -1;
+    if (m_handleDrag) {
+        m_handleDrag = false;
+        return;
+    }
     if (button == GLFW_MOUSE_BUTTON_LEFT && !m_dragged) {
         PickAt(pixel);
     }
@@ -314,7 +330,11 @@ void VxViewer::OnCursor(double x, double y) {
     if (!view) {
         return;
     }
-    if (m_button == GLFW_MOUSE_BUTTON_LEFT) {
+    if (m_handleDrag) {
+        const bool slow = glfwGetKey(m_window, GLFW_KEY_LEFT_SHIFT) == GLFW_PRESS ||
+                          glfwGetKey(m_window, GLFW_KEY_RIGHT_SHIFT) == GLFW_PRESS;
+        m_handle.Drag(m_lastPixel, pixel, slow);
+    } else if (m_button == GLFW_MOUSE_BUTTON_LEFT) {
         const VxPoint sphere = m_scene.Render()->MapScreenCoordToSphere(pixel);
         views->RotateView(view, VxArcballRotation(m_lastSphere, sphere));
         m_lastSphere = sphere;

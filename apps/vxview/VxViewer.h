@@ -5,6 +5,7 @@
 // It does not read or write cases beyond the one it opens, and holds no GL object of its own.
 #pragma once
 
+#include "VxAppHandle.h"
 #include "VxAppScene.h"
 #include "VxAppTypes.h"
 
@@ -71,4 +72,7 @@ private:
     CPoint m_lastPixel;
     VxPoint m_lastSphere;
     bool m_dragged = false;
+    // The manipulator of key T, and whether the drag under way moves it (and its tooth).
+    VxAppHandle m_handle;
+    bool m_handleDrag = false;
 };

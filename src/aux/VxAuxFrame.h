@@ -78,6 +78,7 @@ public:
     void UpdateCircle(bool update);
 
     VxFrame& GetFrame() { return m_frame; }
+    const VxFrame& GetFrame() const { return m_frame; }
     const VxFrame& GetCircleFrame() const { return m_circleFrame; }
     int GetHitIndex() const { return m_hitIndex; }
     void SetHitIndex(int index) { m_hitIndex = index; }
