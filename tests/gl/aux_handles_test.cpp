@@ -356,6 +356,48 @@ TEST_P(AuxHandlesTest, AnAxisLookingAtTheViewerVanishesUnlessEverythingIsShown) 
     }
 }
 
+TEST_P(AuxHandlesTest, NumericTurnsTheRingsFrameAndCopies) {
+    const VxFrame first(VxPoint(0, 0, 0), VxVector(1, 0, 0), VxVector(0, 1, 0));
+    VxAuxFrame* h = Add<VxAuxFrame>(5.0, first);
+    // The ring keeps the first frame through later SetGeometry calls until it is renewed.
+    h->SetGeometry(VxFrame(VxPoint(3, 0, 0), VxVector(0, 1, 0), VxVector(-1, 0, 0)));
+    EXPECT_EQ(h->GetCircleFrame().GetOrigin(), VxPoint(0, 0, 0));
+    h->UpdateCircle(false);
+    EXPECT_EQ(h->GetCircleFrame().GetOrigin(), VxPoint(0, 0, 0));
+    h->UpdateCircle(true);
+    EXPECT_EQ(h->GetCircleFrame().GetOrigin(), VxPoint(3, 0, 0));
+
+    // Numbers turn about the frame's own axes and keep the axis turned about.
+    h->SetGeometry(first);
+    const VxMatrix rx = h->Transform(Click_TurnX, 90.0);
+    EXPECT_TRUE(Near(h->GetFrame().DirX(), VxVector(1, 0, 0), 1e-9));
+    EXPECT_TRUE(Near(h->GetFrame().DirY(), VxVector(0, 0, 1), 1e-9));
+    EXPECT_EQ(rx[0][3], 0.0);
+    h->Transform(Click_TurnX, -90.0);
+    h->Rotate(Click_TurnY, 30.0);
+    EXPECT_TRUE(Near(h->GetFrame().DirY(), VxVector(0, 1, 0), 1e-9));
+    EXPECT_NEAR(Degrees(h->GetFrame().DirX().AngleWith(VxVector(1, 0, 0))), 30.0, 1e-6);
+    h->Rotate(Click_TurnY, -30.0);
+    const VxMatrix rz = h->Rotate(Click_TurnZ, 45.0);
+    EXPECT_EQ(rz.Rows(), 3);
+    EXPECT_TRUE(Near(h->GetFrame().DirZ(), VxVector(0, 0, 1), 1e-9));
+    EXPECT_TRUE(Near(h->TurnBall(0).GetPos() - VxPoint(0, 0, 0),
+                     6.0 * VxVector(std::sqrt(0.5), std::sqrt(0.5), 0), 1e-9))
+        << "the parts follow a numeric turn";
+
+    // A copy has every part where the original has it, and draws its own letters.
+    const VxAuxFrame copy(*h);
+    for (int i = 0; i < 6; ++i) {
+        EXPECT_EQ(copy.TurnBall(i).GetPos(), h->TurnBall(i).GetPos());
+        EXPECT_EQ(copy.MoveBall(i).GetPos(), h->MoveBall(i).GetPos());
+    }
+    EXPECT_EQ(copy.AxisLetter(2).GetTextPos(), h->AxisLetter(2).GetTextPos());
+    scene->FrameWithAux();
+    EXPECT_NE(h->AxisLetter(0).GetListBase(), VxAuxText::kNoList);
+    EXPECT_EQ(h->AxisLetter(0).GetText().Str(), std::wstring(L"X"));
+    EXPECT_EQ(h->AxisLetter(2).GetText().Str(), std::wstring(L"Z"));
+}
+
 TEST_P(AuxHandlesTest, BadInputGivesNeutralAnswers) {
     // No hit: identity and zero, nothing moves.
     VxAuxFrame* h =

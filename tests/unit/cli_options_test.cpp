@@ -238,6 +238,24 @@ TEST(CliOptionsTest, HelpWinsOverValidOptionsButNotOverErrors) {
     EXPECT_EQ(Parse({"--bogus", "-h"}).result.status, VxCliParseResult::Status::Error);
 }
 
+TEST(CliOptionsTest, HandleKindsAndTheirModes) {
+    for (const char* word : {"frame", "rotate", "position", "position:0", "position:7"}) {
+        const Parsed p = Parse({"--handle", word});
+        ASSERT_TRUE(Runs(p)) << word;
+        EXPECT_EQ(p.options.handle, word);
+    }
+    EXPECT_EQ(Parse({"--handle=position:3"}).options.handle, "position:3");
+    EXPECT_TRUE(Parse({}).options.handle.empty());
+    // Modes run from 0 to 7, one digit; names are exact.
+    for (const char* bad : {"position:8", "position:", "position:-1", "position:07", "Frame",
+                            "frames", "position3", "rotate:1", ""}) {
+        const std::string e = ErrorOf({"--handle", bad});
+        EXPECT_TRUE(Contains(e, "--handle")) << bad << ": " << e;
+    }
+    EXPECT_TRUE(Contains(VxCliHelpText(), "--handle KIND"));
+    EXPECT_TRUE(Contains(VxCliHelpText(), "position:N"));
+}
+
 TEST(CliOptionsTest, HelpTextExplainsEveryOptionAndChoice) {
     const std::string help = VxCliHelpText();
     for (const char* name :
