@@ -99,8 +99,11 @@ VxAuxFrame* VxAppHandle::Live() const {
     if (m_frame == nullptr) {
         return nullptr;
     }
+    // Clearing the registry frees the handle, and a later object may take its address: the
+    // object found must still be a handle.
     const auto& objects = Aux()->GetAuxObjects();
-    return objects.find(m_frame) != objects.end() ? m_frame : nullptr;
+    const auto it = objects.find(m_frame);
+    return it != objects.end() && dynamic_cast<VxAuxFrame*>(*it) == m_frame ? m_frame : nullptr;
 }
 
 void VxAppHandle::Detach() {
