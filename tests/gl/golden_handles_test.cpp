@@ -14,7 +14,8 @@
 //   the crown (buried in the gum, so red-tinted), the purple wide arc on both sides of the
 //   tooth, the green short arc at the crown and the olive one below, and the blue circle about
 //   the long axis seen nearly edge-on, each arc ending in cone tips.
-// Also here: a drag of the frame handle's grips moves the tooth as a host applies it.
+// Also here: the viewer key's cycle of handles on the selected tooth, and a drag of the frame
+// handle's grips moving the tooth as a host applies it.
 #include "VxTestImage.h"
 #include "VxTestPaths.h"
 
@@ -112,6 +113,37 @@ TEST_F(GoldenHandlesTest, FrameHandleTurningShowsTheGraduatedRing) {
 TEST_F(GoldenHandlesTest, PositionHandleWithEveryMove) {
     Attach("position");
     VxExpectMatchesGolden(Picture("handle_position.png"), "handle_position_seed1.png");
+}
+
+TEST_F(GoldenHandlesTest, TheViewerKeyCyclesThroughEveryHandleOnTheSelectedTooth) {
+    EXPECT_EQ(VxAppHandle::DefaultTooth(*scene), 46) << "a molar when nothing is selected";
+    ASSERT_TRUE(scene->SelectTooth(23, true));
+    const int fdi = VxAppHandle::DefaultTooth(*scene);
+    EXPECT_EQ(fdi, 23);
+    EXPECT_EQ(handle.Cycle(*scene, fdi), "handle: frame handle on tooth 23");
+    for (int mode = 0; mode <= 7; ++mode) {
+        const std::string said = handle.Cycle(*scene, fdi);
+        EXPECT_EQ(said.rfind("handle: position handle, mode " + std::to_string(mode), 0), 0u)
+            << said;
+        EXPECT_EQ(handle.Choice().moveMode, mode);
+        EXPECT_EQ(VxRenderStatus::GetInstance()->GetAuxRender()->GetAuxObjects().size(), 1u);
+    }
+    EXPECT_EQ(handle.Cycle(*scene, fdi), "handle: off");
+    EXPECT_FALSE(handle.IsAttached());
+    EXPECT_TRUE(VxRenderStatus::GetInstance()->GetAuxRender()->GetAuxObjects().empty());
+    // Turning the aux sample on clears the registry: the handle is gone, not dangling.
+    handle.Cycle(*scene, fdi);
+    std::string error;
+    ASSERT_TRUE(scene->SetAuxDemo(true, error)) << error;
+    EXPECT_FALSE(handle.IsAttached());
+    EXPECT_FALSE(handle.Grab(CPoint(kW / 2, kH / 2)));
+    handle.Drag(CPoint(kW / 2, kH / 2), CPoint(kW / 2 + 20, kH / 2), false);
+    EXPECT_EQ(handle.Cycle(*scene, fdi), "handle: frame handle on tooth 23");
+    scene->SetAuxDemo(false, error);
+    scene->SelectTooth(23, false);
+    // A tooth the case lacks leaves no handle.
+    EXPECT_EQ(handle.Cycle(*scene, 99).rfind("handle: the case has no tooth 99", 0), 0u);
+    EXPECT_FALSE(handle.IsAttached());
 }
 
 TEST_F(GoldenHandlesTest, DraggingTheCentreBallMovesTheToothAndTheHandleTogether) {
