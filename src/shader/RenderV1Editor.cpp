@@ -484,6 +484,13 @@ void RenderV1::WalkEditor(VxViewRegion* region, bool pick) {
                                                first ? 1.0f : 2.0f, 1.0f, first, false, r.value);
                 }
             } else {
+                // No card and no arrows; an add list opened from the button is still shown,
+                // where the card would stand.
+                if (r.listState >= 2 && r.listState <= 4) {
+                    lists.push_back({r.points[1], changed, id,
+                                     static_cast<Enumerationofpng>(50 + r.listState), true, r.value,
+                                     r.firstId, r.secondId});
+                }
                 continue;
             }
             const auto part = [&](int state, int base, int states) {
@@ -581,6 +588,9 @@ unsigned char* RenderV1::ObjectSelected(VxViewRegion* region, int x, int y) {
         glClearColor(clear[0], clear[1], clear[2], clear[3]);
         GLint viewport[4] = {0, 0, width, height};
         glGetIntegerv(GL_VIEWPORT, viewport);
+        // The last thing a frame draws may have left a small viewport (the axis cross's); the
+        // codes are laid over the whole region, as the visible pass laid the elements.
+        glViewport(0, 0, width, height);
         // Codes must reach the buffer untouched.
         const GLboolean dither = glIsEnabled(GL_DITHER);
         glDisable(GL_DITHER);
@@ -597,11 +607,12 @@ unsigned char* RenderV1::ObjectSelected(VxViewRegion* region, int x, int y) {
         GLint packAlignment = 4;
         glGetIntegerv(GL_PACK_ALIGNMENT, &packAlignment);
         glPixelStorei(GL_PACK_ALIGNMENT, 1);
-        const int readY = viewport[3] - y;
+        const int readY = height - y;
         if (x >= 0 && x < width && readY >= 0 && readY < height) {
             glReadPixels(x, readY, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pickResult);
         }
         glPixelStorei(GL_PACK_ALIGNMENT, packAlignment);
+        glViewport(viewport[0], viewport[1], viewport[2], viewport[3]);
     }
     glBindFramebuffer(GL_FRAMEBUFFER, static_cast<GLuint>(oldFramebuffer));
     glDeleteFramebuffers(1, &framebuffer);
