@@ -5,6 +5,7 @@
 // It does not read or write cases beyond the one it opens, and holds no GL object of its own.
 #pragma once
 
+#include "VxAppEditor.h"
 #include "VxAppScene.h"
 #include "VxAppTypes.h"
 
@@ -71,4 +72,8 @@ private:
     CPoint m_lastPixel;
     VxPoint m_lastSphere;
     bool m_dragged = false;
+
+    // The in-view gap editor (key E): the viewer is its host.
+    VxAppEditor m_editor;
+    void ToggleEditor();
 };
