@@ -138,16 +138,6 @@ void VxAppEditor::Move(int x, int y, VxViewRegion* view) {
     controller->MouseLeftMoving();
 }
 
-void VxAppEditor::OpenList(bool upper, int index) {
-    ModelCreateModify* editor = ModelCreateModify::getInstance();
-    const int id = upper ? index : ModelCreateModify::kMaxRecordsPerJaw + index;
-    if (GumGapGraphicsObject* record = editor->Record(id)) {
-        record->buttonState = record->cardState == 3 ? 2 : 4;
-        editor->UpdateDataforLeftReleased(2, id);
-        record->buttonState = record->cardState == 3 ? 1 : 3;
-    }
-}
-
 std::string VxAppEditor::Release(int x, int y, VxViewRegion* view) {
     m_tookClick = false;
     if (!m_on || !view) {

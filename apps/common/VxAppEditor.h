@@ -41,9 +41,6 @@ public:
     // Whether the last release was taken by a button of the editor.
     bool TookClick() const { return m_tookClick; }
 
-    // For pictures: opens the list of gap `index` of a jaw as a click on its button would.
-    void OpenList(bool upper, int index);
-
     std::vector<Gap> Gaps(bool upper) const;
     void SetGapValue(int first, int second, double value);
     // Rebuilds the records from the plan.
