@@ -523,6 +523,42 @@ TEST_F(GapEditorTest, ScriptedHost) {
     EXPECT_EQ(Editor()->Record(add->first[1])->listState, 1);
 }
 
+// A reduction's list: state 5 draws its row plain, state 6 in the hover colour; the row picks as
+// element 55 or 56 with row code 101.
+TEST_F(GapEditorTest, ListRowHoverColour) {
+    const std::map<Code, Spot> map = CodeMap();
+    const auto* card = Find(map, 63);
+    ASSERT_NE(card, nullptr);
+    const int id = card->first[1];
+    const auto hoverPixels = [this](const Spot& row) {
+        const VxTestImage img = Frame();
+        int n = 0;
+        for (int y = row.y - 8; y <= row.y + 8; ++y) {
+            for (int x = row.x - 80; x <= row.x + 80; ++x) {
+                if (x < 0 || y < 0 || x >= kW || y >= kH) {
+                    continue;
+                }
+                const std::uint8_t* p = img.Pixel(x, y);
+                n += p[0] == 120 && p[1] == 187 && p[2] == 240;
+            }
+        }
+        return n;
+    };
+    for (int state : {5, 6}) {
+        Editor()->Record(id)->listState = state;
+        const std::map<Code, Spot> lists = CodeMap();
+        const auto row = lists.find(
+            Code{static_cast<unsigned char>(50 + state), static_cast<unsigned char>(id), 101});
+        ASSERT_NE(row, lists.end()) << state;
+        EXPECT_EQ(Pick(row->second.x, row->second.y), row->first);
+        if (state == 5) {
+            EXPECT_EQ(hoverPixels(row->second), 0);
+        } else {
+            EXPECT_GT(hoverPixels(row->second), 500);
+        }
+    }
+}
+
 // The pictures a clinician looks at.
 TEST_F(GapEditorTest, Goldens) {
     VxExpectMatchesGolden(Frame(), "gap_editor_idle.png");
