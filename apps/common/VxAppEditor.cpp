@@ -82,8 +82,8 @@ void VxAppEditor::Start(VxModel* model) {
         SetGapValue(21, 22, -1.2);
         SetGapValue(31, 41, 0.2);
         m_plan[{31, 41}].locked = true;
-        SetGapValue(11, 12, 0.5);
-        SetGapValue(32, 33, -0.3);
+        SetGapValue(12, 13, 0.5);
+        SetGapValue(42, 43, -0.3);
     }
     Rebuild();
 }
