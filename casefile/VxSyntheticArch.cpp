@@ -18,11 +18,11 @@ VxSyntheticArch::VxSyntheticArch(double y0, double a, double b)
 }
 
 VxSyntheticArch VxSyntheticArch::Upper() {
-    return VxSyntheticArch(0.0, 0.030, 2.9e-5);
+    return VxSyntheticArch(kForward + 0.0, 0.030, 2.9e-5);
 }
 
 VxSyntheticArch VxSyntheticArch::Lower() {
-    return VxSyntheticArch(-3.2, 0.034, 3.2e-5);
+    return VxSyntheticArch(kForward - 3.2, 0.034, 3.2e-5);
 }
 
 double VxSyntheticArch::XAt(double s) const {

@@ -16,6 +16,12 @@
 
 class VxSyntheticArch {
 public:
+    // How far forwards (+y) both arches stand. The renderer's gap editor hides what lies
+    // behind a fixed point (-0.58, -3.18, 2.96) held at the centre of a dentition, as
+    // scanned models are placed; with this shift the synthetic teeth's centre lies at that
+    // depth (y about -3.2), so the editor shows the front half of each arch.
+    static constexpr double kForward = 20.5;
+
     VxSyntheticArch(double y0, double a, double b);
     // Standard arches of the synthetic patient: the lower one sits behind and
     // inside the upper.

@@ -474,7 +474,7 @@ void BuildSkull(VxSynthContext& ctx) {
     auto skull = std::make_unique<VxSkull>();
     const int lon = 36;
     const int lat = 20;
-    const VxPoint c(0.0, -38.0, 78.0);
+    const VxPoint c(0.0, -38.0 + VxSyntheticArch::kForward, 78.0);
     const double rx = 68.0;
     const double ry = 88.0;
     const double rz = 58.0;

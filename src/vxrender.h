@@ -134,6 +134,7 @@
 #include <shader/NuBillboardItem.h>
 #include <shader/NuDrawItem.h>
 #include <shader/NuEditorSize.h>
+#include <shader/NuGapCardLayout.h>
 #include <shader/NuGlyphCell.h>
 #include <shader/NuLightRig.h>
 #include <shader/NuMeshBuffer.h>
@@ -181,4 +182,11 @@
 #include <overlays/VxCacheStuff.h>
 
 // gapeditor
+#include <gapeditor/EnumEventInfoCreateModify.h>
 #include <gapeditor/Enumerationofpng.h>
+#include <gapeditor/EventIPRinfo.h>
+#include <gapeditor/EventInfoCreateModify.h>
+#include <gapeditor/GumGapGraphicsObject.h>
+#include <gapeditor/ModelCreateModify.h>
+#include <gapeditor/ObjectSelected.h>
+#include <gapeditor/ViewControllerCreateModify.h>

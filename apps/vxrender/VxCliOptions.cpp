@@ -206,9 +206,9 @@ const std::vector<Option>& Options() {
              o.writeCase = v;
              return std::string();
          }},
-        {"--editor-sample", nullptr, false,
+        {"--editor", nullptr, false,
          [](const std::string&, VxCliOptions& o) {
-             o.editorSample = true;
+             o.editor = true;
              return std::string();
          }},
         {"--aux-demo", nullptr, false,
@@ -422,8 +422,9 @@ std::string VxCliHelpText() {
          "      --seed N           seed of the synthetic patient (default 1)\n"
          "      --write-case DIR   also save the case as a case directory (case.json, meshes,\n"
          "                         pictures); with no CASE_DIR this writes the synthetic patient\n"
-         "      --editor-sample    lay a sample of the gap editor's value cards (.3, 1.2) and\n"
-         "                         list rows (text from the library's own font) over the picture\n"
+         "      --editor           draw the in-view gap editor over the patient (shader path,\n"
+         "                         one view): add/delete squares at the gaps, value cards with\n"
+         "                         up/down arrows and locks on green leaders\n"
          "      --aux-demo         draw a sample of every aux object over the patient (sphere,\n"
          "                         box, arrows, polyline, curve, pipe, planes, circle, torus,\n"
          "                         face patch, labels, pin labels)\n"
@@ -444,6 +445,6 @@ std::string VxCliHelpText() {
          "  vxrender --layout five -o out/\n"
          "  vxrender cases/patient1 --layout compare --size 1600x900 -o compare.png\n"
          "  vxrender --step all --jaws upper -o frames/\n"
-         "  vxrender --editor-sample -o editor.png\n";
+         "  vxrender --editor -o editor.png\n";
     return h.str();
 }

@@ -42,7 +42,7 @@ struct VxCliOptions {
     bool quiet = false;
     std::string writeCase; // non-empty: also save the case (e.g. the synthetic one) there
     // Lay a sample of the gap editor's value cards and list rows over each picture.
-    bool editorSample = false;
+    bool editor = false;
     bool auxDemo = false; // draw the sample of aux objects over the patient
     bool noAxis = false;  // no axis cross in the views' corners
     // A manipulator on a tooth: "frame", "rotate", "position" or "position:N"; empty: none.

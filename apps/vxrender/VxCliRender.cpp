@@ -9,7 +9,7 @@
 // Whether a step or tooth exists is known only once the case is read, so those values are
 // checked here, not by the parser.
 #include "VxCliRender.h"
-#include "VxCliEditorSample.h"
+#include "VxAppEditor.h"
 
 #include <VxCaseIO.h>
 
@@ -156,11 +156,14 @@ int VxCliRender(const VxCliOptions& options, std::string& error) {
     }
 
     const bool several = steps.size() > 1;
+    VxAppEditor editor;
     for (int step : steps) {
         scene.SetStep(step);
         scene.RenderFrame();
-        if (options.editorSample) {
-            VxCliDrawEditorSample(options.width, options.height);
+        if (options.editor) {
+            // The records are placed from the frame's matrices, then drawn with the next frame.
+            editor.Start(&c->model);
+            scene.RenderFrame();
         }
         const std::string path = VxCliOutputPath(options, step, several, steps.back());
         const std::filesystem::path parent = std::filesystem::path(path).parent_path();

@@ -92,6 +92,10 @@ std::string VxViewer::KeyHelp() {
            "  O                axis cross in the views' corners on/off\n"
            "  C                save a snapshot (vxview_snapshot_NNN.png in the working folder)\n"
            "  R                reset the view\n"
+           "  E                gap editor on/off (one view, shader path): hover the cards,\n"
+           "                   click the arrows to step a reduction or space by 0.1 mm, the\n"
+           "                   lock to lock it, a square to open its list and a row to add\n"
+           "                   or remove; each change is printed (\"IPR 11|21 0.3 -> 0.4 mm\")\n"
            "  H                this list\n"
            "  Q or Esc         quit\n";
 }
@@ -273,6 +277,10 @@ void VxViewer::OnKey(int key, int action, int /*mods*/) {
     case GLFW_KEY_R:
         m_scene.ResetView();
         PrintState("view reset");
+        m_editor.Rebuild();
+        break;
+    case GLFW_KEY_E:
+        ToggleEditor();
         break;
     default:
         return;
@@ -311,15 +319,28 @@ void VxViewer::OnMouseButton(int button, int action) {
         return;
     }
     if (button == GLFW_MOUSE_BUTTON_LEFT && !m_dragged) {
-        PickAt(pixel);
+        const std::string line = m_editor.Release(pixel.x, pixel.y, m_scene.ViewAt(pixel));
+        if (!line.empty()) {
+            PrintState(line);
+        }
+        m_dirty = true;
+        if (!m_editor.TookClick()) {
+            PickAt(pixel);
+        }
+    } else if (m_dragged) {
+        m_editor.Rebuild(); // the leaders follow the new view
     }
 }
 
 void VxViewer::OnCursor(double x, double y) {
+    const CPoint pixel = ToPixel(x, y);
     if (m_button == -1) {
+        if (m_editor.IsOn()) {
+            m_editor.Move(pixel.x, pixel.y, m_scene.ViewAt(pixel));
+            m_dirty = true;
+        }
         return;
     }
-    const CPoint pixel = ToPixel(x, y);
     if (!m_dragged &&
         std::abs(pixel.x - m_pressPixel.x) + std::abs(pixel.y - m_pressPixel.y) < kClickSlop) {
         return;

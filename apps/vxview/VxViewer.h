@@ -6,6 +6,7 @@
 #pragma once
 
 #include "VxAppHandle.h"
+#include "VxAppEditor.h"
 #include "VxAppScene.h"
 #include "VxAppTypes.h"
 
@@ -75,4 +76,8 @@ private:
     // The manipulator of key T, and whether the drag under way moves it (and its tooth).
     VxAppHandle m_handle;
     bool m_handleDrag = false;
+
+    // The in-view gap editor (key E): the viewer is its host.
+    VxAppEditor m_editor;
+    void ToggleEditor();
 };

@@ -420,8 +420,8 @@ bool VxOpenGLRender::DrawModel(VxViewRegion* view) {
 
     if (version->Get_btestversion()) {
         renderer->Setthemodel(m_model);
-        // The in-view gap editor is drawn here on the shader path once it exists:
-        //   renderer->Drawcreatemodify(view);
+        // The in-view gap editor, last in the view, over the model.
+        renderer->Drawcreatemodify(view);
     }
     return true;
 }

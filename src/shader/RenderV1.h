@@ -161,6 +161,37 @@ public:
                                float z, glm::vec3 color, float width, float height, float nearPlane,
                                float farPlane);
 
+    // The in-view gap editor (RenderV1Editor.cpp), drawn last in each view on this path and only
+    // while ModelCreateModify's IsShowIPR is on. Model-anchored buttons are quads of constant
+    // screen size; cards, arrows, locks and list rows are drawn in window pixels. Depth testing
+    // is off for the editor: it lies over the model, and the later element lies over the
+    // earlier, the same order the pick pass draws in. Open lists come after every record, so
+    // they lie on top. Leaves GL state as it found it.
+    void Drawcreatemodify(VxViewRegion* region);
+    void Drawcreatemodify(VxPoint anchor, VxViewRegion* region, Enumerationofpng element,
+                          float sizeX, float sizeY, bool centred, bool lift);
+    void DrawcreatemodifyforDisplay(VxPoint anchor, VxPoint changed, VxViewRegion* region,
+                                    Enumerationofpng element, float sizeX, float sizeY, bool first,
+                                    bool second, float value);
+    void DrawcreatemodifyforDisplayforPng(VxPoint anchor, VxPoint changed, VxViewRegion* region,
+                                          Enumerationofpng element, float sizeX, float sizeY,
+                                          bool first, bool second, float value, int firstTooth,
+                                          int secondTooth);
+    // Colour picking of the editor: every shown element once more in a flat code colour (element,
+    // record id, row code) into an off-screen buffer without depth, one pixel read back at the
+    // mouse (window pixels, y down). Only while IsOnCreateModified is on. Returns the three bytes
+    // in pickResult, or null for a null region; zeros for an empty region or a buffer GL will not
+    // complete. Leaves the default frame buffer bound and the depth test off.
+    unsigned char* ObjectSelected(VxViewRegion* region, int x, int y);
+    void DrawSelectioncreatemodify(VxPoint anchor, VxViewRegion* region, int id,
+                                   Enumerationofpng element, float sizeX, float sizeY, bool lift);
+    void DrawSelectioncreatemodifyforDisplayforPng(VxPoint anchor, VxPoint changed,
+                                                   VxViewRegion* region, int id,
+                                                   Enumerationofpng element, float sizeX,
+                                                   float sizeY, bool first, bool second,
+                                                   float value, int firstTooth, int secondTooth);
+    unsigned char pickResult[4] = {0, 0, 0, 0};
+
     std::vector<NuDrawItem> objectQueue;
     std::vector<NuDrawItem> attachQueue;
     std::vector<NuBillboardItem> billboardQueue;
@@ -234,4 +265,16 @@ private:
     void PreparingVertexDataforGum(VxEntity* entity);
     // The first pass of the two batches.
     void DrawQueue(const std::vector<NuDrawItem>& queue, Shader* shader, int stencil);
+    // Both editor passes walk the records through this, so they draw the same elements in the
+    // same order; `pick` chooses the code forms.
+    void WalkEditor(VxViewRegion* region, bool pick);
+    // The button quad's four model-space corners.
+    void EditorQuad(VxPoint anchor, VxViewRegion* region, Enumerationofpng element, float sizeX,
+                    float sizeY, bool lift, VxPoint corners[4]);
+    // One list's rows, visible or in codes.
+    void DrawEditorList(VxPoint changed, VxViewRegion* region, int id, Enumerationofpng element,
+                        bool wide, int firstTooth, int secondTooth, bool pick);
+    // The card's parts (triangles, lock), visible or in codes.
+    void DrawEditorCardPart(VxPoint changed, VxViewRegion* region, int id, Enumerationofpng element,
+                            bool wide, bool pick);
 };

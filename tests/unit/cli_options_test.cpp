@@ -213,9 +213,9 @@ TEST(CliOptionsTest, MalformedCommandLines) {
     EXPECT_EQ(ErrorOf({"-x"}), "unknown option '-x'");
     EXPECT_EQ(ErrorOf({"--bogus=3"}), "unknown option '--bogus'");
     EXPECT_EQ(ErrorOf({"--quiet=yes"}), "--quiet takes no value");
-    EXPECT_EQ(ErrorOf({"--editor-sample=1"}), "--editor-sample takes no value");
-    EXPECT_TRUE(Parse({"--editor-sample"}).options.editorSample);
-    EXPECT_FALSE(Parse({}).options.editorSample);
+    EXPECT_EQ(ErrorOf({"--editor=1"}), "--editor takes no value");
+    EXPECT_TRUE(Parse({"--editor"}).options.editor);
+    EXPECT_FALSE(Parse({}).options.editor);
     EXPECT_TRUE(Contains(ErrorOf({"a", "b"}), "more than one case directory"));
     EXPECT_TRUE(Contains(ErrorOf({"--output="}), "--output"));
     EXPECT_TRUE(Contains(ErrorOf({"--background", ""}), "--background"));
@@ -262,7 +262,7 @@ TEST(CliOptionsTest, HelpTextExplainsEveryOptionAndChoice) {
          {"--size",       "-s,",    "--layout", "-l,",      "--path",       "--display",
           "-d,",          "--jaws", "-j,",      "--step",   "--select",     "--highlight",
           "--background", "-b,",    "--output", "-o,",      "--seed",       "--quiet",
-          "-q,",          "--help", "-h,",      "CASE_DIR", "--write-case", "--editor-sample"}) {
+          "-q,",          "--help", "-h,",      "CASE_DIR", "--write-case", "--editor"}) {
         EXPECT_TRUE(Contains(help, name)) << name;
     }
     for (const char* word :
