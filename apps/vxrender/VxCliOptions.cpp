@@ -216,6 +216,10 @@ const std::vector<Option>& Options() {
              o.auxDemo = true;
              return std::string();
          }},
+        {"--picture", nullptr, true,
+         [](const std::string& v, VxCliOptions& o) {
+             return ApplyName(kVxAppPictures, "picture", v, o.picture);
+         }},
         {"--no-axis", nullptr, false,
          [](const std::string&, VxCliOptions& o) {
              o.noAxis = true;
@@ -416,6 +420,9 @@ std::string VxCliHelpText() {
          "      --aux-demo         draw a sample of every aux object over the patient (sphere,\n"
          "                         box, arrows, polyline, curve, pipe, planes, circle, torus,\n"
          "                         face patch, labels, pin labels)\n"
+         "      --picture KIND     lay one of the case's patient pictures over the patient:\n"
+         "                         front, profile, xray, or panoramic (with its landmark\n"
+         "                         markers); none by default\n"
          "      --no-axis          leave out the small axis cross drawn in the lower-right\n"
          "                         corner of every view\n"
          "  -q, --quiet            do not list the pictures written\n"

@@ -45,6 +45,7 @@ struct VxCliOptions {
     bool editorSample = false;
     bool auxDemo = false; // draw the sample of aux objects over the patient
     bool noAxis = false;  // no axis cross in the views' corners
+    VxAppPictureKind picture = VxAppPictureKind::None; // a patient picture over the patient
 };
 
 struct VxCliParseResult {

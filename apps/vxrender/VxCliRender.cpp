@@ -125,6 +125,10 @@ int VxCliRender(const VxCliOptions& options, std::string& error) {
     scene.SetDisplay(options.display);
     scene.SetLayout(options.layout);
     scene.SetJaws(options.jaws);
+    if (options.picture != VxAppPictureKind::None && !scene.SetPicture(options.picture, error)) {
+        error = "--picture: " + error;
+        return 1;
+    }
 
     for (const auto& [x, y] : options.picks) {
         if (x >= options.width || y >= options.height) {

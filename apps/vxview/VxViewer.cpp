@@ -87,6 +87,8 @@ std::string VxViewer::KeyHelp() {
            "  A                aux sample on/off; with it on, a click first tries the aux\n"
            "                   objects: the hit one is highlighted and its selection toggled\n"
            "  O                axis cross in the views' corners on/off\n"
+           "  I                picture overlay: none, front, profile, xray, panoramic (with\n"
+           "                   its landmark markers), in turn\n"
            "  C                save a snapshot (vxview_snapshot_NNN.png in the working folder)\n"
            "  R                reset the view\n"
            "  H                this list\n"
@@ -251,6 +253,16 @@ void VxViewer::OnKey(int key, int action, int /*mods*/) {
         } else {
             PrintState(error);
         }
+        break;
+    }
+    case GLFW_KEY_I: {
+        // Pictures the case lacks are passed over.
+        std::string error;
+        VxAppPictureKind kind = m_scene.GetPicture();
+        do {
+            kind = VxAppPicture::Next(kind);
+        } while (!m_scene.SetPicture(kind, error));
+        PrintState(std::string("picture: ") + VxAppNameOf(kVxAppPictures, kind));
         break;
     }
     case GLFW_KEY_O:
