@@ -306,7 +306,11 @@ void VxAuxBillBoard3d::DrawInModelCoordAllView(bool depth) {
 
 void VxAuxBillBoard3d::DrawInModelCoordAllViewOri(bool depth, const VxPoint& pos, double scale,
                                                   const double facing[16]) {
-    glPushAttrib(GL_ALL_ATTRIB_BITS);
+    // Saved: every group the drawing below changes, and no more. A label is drawn in every view
+    // of every frame, and restoring all attribute groups each time makes the driver check all of
+    // its state again at the next draw, for no visible difference.
+    glPushAttrib(GL_ENABLE_BIT | GL_LIGHTING_BIT | GL_DEPTH_BUFFER_BIT | GL_COLOR_BUFFER_BIT |
+                 GL_LINE_BIT | GL_CURRENT_BIT | GL_LIST_BIT);
     glDisable(GL_LIGHTING);
     if (depth) {
         glEnable(GL_DEPTH_TEST);
@@ -409,7 +413,9 @@ void VxAuxBillBoard3d::DrawOnShaderPath(bool depth, const VxPoint& pos, double s
                                         const double facing[16]) {
     RenderV1* renderer = RenderV1::GetInstance();
     const ShaderSpace to;
-    glPushAttrib(GL_ALL_ATTRIB_BITS);
+    // Only what the pieces change, as on the fixed path.
+    glPushAttrib(GL_ENABLE_BIT | GL_DEPTH_BUFFER_BIT | GL_COLOR_BUFFER_BIT | GL_LINE_BIT |
+                 GL_TEXTURE_BIT);
     if (depth) {
         glEnable(GL_DEPTH_TEST);
     } else {
@@ -419,7 +425,8 @@ void VxAuxBillBoard3d::DrawOnShaderPath(bool depth, const VxPoint& pos, double s
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
 
     // The line and quadrangle forms draw in whatever colour the billboard program holds; the
-    // program is made by its first draw (a point-long line, which lights nothing).
+    // program is made by its first draw (a point-long line, which lights nothing). Each form
+    // binds the program again and unbinds it when done, so the colour is set without unbinding.
     const auto colour = [renderer](const VxColor& c) {
         if (renderer->billboardShader == nullptr) {
             renderer->DrawLine(VxPoint(0, 0, 0), VxPoint(0, 0, 0));
@@ -427,7 +434,6 @@ void VxAuxBillBoard3d::DrawOnShaderPath(bool depth, const VxPoint& pos, double s
         if (Shader* shader = renderer->billboardShader) {
             shader->use();
             shader->setVec3("backgroundColor", Unit(c));
-            glUseProgram(0);
         }
     };
 
