@@ -10,6 +10,7 @@
 // landmarks follow the film when it is dragged.
 #include "VxTestImage.h"
 #include "VxTestPaths.h"
+#include "VxTestRenderPath.h"
 
 #include <VxAppScene.h>
 #include <VxCase.h>
@@ -34,6 +35,8 @@ constexpr int kH = 400;
 class GoldenPanoramicTest : public ::testing::Test {
 protected:
     void SetUp() override {
+        // Each test makes a context of its own; names from an earlier one mean nothing here.
+        VxForgetShaderObjects();
         patient = VxSyntheticPatient::Generate(1);
         window = VxNativeWindow::CreateOffscreen(kW, kH);
         std::string error;
