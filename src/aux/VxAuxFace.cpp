@@ -10,7 +10,42 @@
 #include <shader/NuViewTransforms.h>
 #include <shader/RenderV1.h>
 
+#include <cmath>
 #include <vector>
+
+namespace {
+
+// The renderer's matrices come from the frame's camera record, which holds the last view drawn,
+// while the registry draws each view under its own fixed-function matrices (the placement
+// already multiplied on). The matrix handed to the renderer carries a vertex through the fixed
+// matrices in force and back through the inverse of the renderer's, so the patch lands on the
+// same pixels in every view. A composite that is not affine (a perspective camera against an
+// orthographic one) cannot pass as a model matrix: the placement alone goes then.
+glm::mat4 ShaderPlacement(const VxMatrix* placement) {
+    double m[16];
+    double p[16];
+    glGetDoublev(GL_MODELVIEW_MATRIX, m);
+    glGetDoublev(GL_PROJECTION_MATRIX, p);
+    glm::dmat4 gm(1.0);
+    glm::dmat4 gp(1.0);
+    for (int c = 0; c < 4; ++c) {
+        for (int r = 0; r < 4; ++r) {
+            gm[c][r] = m[c * 4 + r];
+            gp[c][r] = p[c * 4 + r];
+        }
+    }
+    const NuViewTransforms t;
+    const glm::dmat4 shader = glm::dmat4(t.projection) * glm::dmat4(t.view) * glm::dmat4(t.model);
+    const glm::dmat4 carry = glm::inverse(shader) * gp * gm;
+    const bool affine = std::abs(carry[0][3]) < 1e-9 && std::abs(carry[1][3]) < 1e-9 &&
+                        std::abs(carry[2][3]) < 1e-9 && std::abs(carry[3][3] - 1.0) < 1e-6;
+    if (affine) {
+        return glm::mat4(carry);
+    }
+    return placement != nullptr ? NuViewTransforms::FromMatrix(*placement) : glm::mat4(1.0f);
+}
+
+} // namespace
 
 VxAuxFace::VxAuxFace(VxMesh* mesh) : m_mesh(mesh) {
     m_hitPriority = AuxHitPriority_Low;
@@ -80,8 +115,7 @@ void VxAuxFace::ShaderTriangles(ColourOf colourOf, const VxMatrix* placement) co
     if (data.empty()) {
         return;
     }
-    const glm::mat4 matrix =
-        placement != nullptr ? NuViewTransforms::FromMatrix(*placement) : glm::mat4(1.0f);
+    const glm::mat4 matrix = ShaderPlacement(placement);
     RenderV1::GetInstance()->DrawWithMaterialWithMatrixTriandColor(
         data.data(), static_cast<int>(data.size() / 18), matrix);
 }

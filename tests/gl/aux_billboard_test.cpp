@@ -9,6 +9,7 @@
 
 #include <aux/VxAuxBillBoard3d.h>
 #include <aux/VxAuxRender.h>
+#include <frame/NuCameraSnapshot.h>
 #include <frame/VxOpenGLRender.h>
 #include <interfaces/VxMatrix.h>
 #include <interfaces/VxXForm.h>
@@ -129,6 +130,31 @@ TEST_P(AuxBillBoardTest, PlateStandsOnTheLineEndAndIsHitInsideOnly) {
     EXPECT_LT(leader[2], 80);
     VxAuxTestScene::Aux()->HitTest(c);
     EXPECT_EQ(VxAuxTestScene::Aux()->GetHitObject(), label);
+    VxAuxTestScene::Aux()->SetHitObject(nullptr);
+
+    // With several views the frame's camera record holds the last view drawn, while the
+    // registry draws each view under its own matrices: the label must not follow the record.
+    scene.Frame();
+    VxXForm other = View()->GetXForm();
+    other.SetScale(other.GetScale() * 2.0);
+    other.SetTranslation(other.GetTranslation() + VxVector(7, -3, 0));
+    NuCameraSnapshot::GetInstance()->SetViewTransform(&other);
+    VxAuxTestScene::Aux()->Render();
+    const VxTestImage underOther = VxAuxTestScene::Read();
+    // The glyphs may move by a pixel: the renderer offsets each glyph by its bearing along the
+    // model axes of its own space. Leader, plate and rim must not move at all.
+    int differ = 0;
+    for (int y = 0; y < kH; ++y) {
+        for (int x = 0; x < kW; ++x) {
+            if (std::abs(y - c.y) <= half / 2 && x >= c.x - half && x <= c.x + half / 2) {
+                continue;
+            }
+            const std::uint8_t* a = img.Pixel(x, y);
+            const std::uint8_t* b = underOther.Pixel(x, y);
+            differ += (std::abs(a[0] - b[0]) + std::abs(a[1] - b[1]) + std::abs(a[2] - b[2]) > 60);
+        }
+    }
+    EXPECT_EQ(differ, 0) << "the same pixels whatever it holds";
 }
 
 TEST_P(AuxBillBoardTest, FallingLineSetsThePlateToTheSideAndLowerDown) {

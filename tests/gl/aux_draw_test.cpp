@@ -20,9 +20,13 @@
 #include <aux/VxAuxPoint.h>
 #include <aux/VxAuxPolyline.h>
 #include <aux/VxAuxRender.h>
+#include <frame/NuCameraSnapshot.h>
 #include <interfaces/VxBSplineCurve.h>
 #include <interfaces/VxTooth.h>
 #include <interfaces/VxTransformMatrix.h>
+#include <views/VxViewRegion.h>
+#include <views/VxViewManager.h>
+#include <interfaces/VxXForm.h>
 
 #include <gtest/gtest.h>
 
@@ -478,6 +482,16 @@ TEST_F(AuxDrawTest, FaceOnTheShaderPathGoesThroughTheColouredTrianglePass) {
     EXPECT_GT(at(VxPoint(8, -7, 0))[1], 180);
     EXPECT_GT(at(VxPoint(0, 8, 0))[2], 180);
     EXPECT_EQ(at(VxPoint(12, 8, 0))[0], 255) << "white outside the triangle";
+    // With several views, the frame's camera record holds the last view drawn while the
+    // registry draws each view under its own matrices: the patch must not follow the record.
+    scene.Frame();
+    VxXForm other = VxViewManager::GetInstance()->GetView(0)->GetXForm();
+    other.SetScale(other.GetScale() * 2.0);
+    other.SetTranslation(other.GetTranslation() + VxVector(7, -3, 0));
+    NuCameraSnapshot::GetInstance()->SetViewTransform(&other);
+    VxAuxTestScene::Aux()->Render();
+    const VxTestImage underOther = VxAuxTestScene::Read();
+    EXPECT_EQ(underOther.rgba, img.rgba) << "the same pixels whatever the record holds";
     GLint program = -1;
     glGetIntegerv(GL_CURRENT_PROGRAM, &program);
     EXPECT_EQ(program, 0);
