@@ -15,6 +15,7 @@
 #include "VxMeshFile.h"
 
 #include <interfaces/CImage.h>
+#include <interfaces/VxPictureLayout.h>
 #include <interfaces/CString.h>
 #include <interfaces/VxFDI.h>
 #include <interfaces/VxFilledWedgeTriTooth.h>
@@ -799,7 +800,15 @@ private:
                 throw CaseFileError{
                     name, "file", "not a readable PNG, JPEG or BMP picture (named by " + fp + ")"};
             }
-            (info.*setters[i])(std::move(img));
+            // Held in the layout the picture overlays upload as it stands.
+            auto held = std::make_unique<CImage>();
+            if (!VxPictureLayout::ToOverlayLayout(*img, *held)) {
+                throw CaseFileError{name, "file",
+                                    "too small a picture or of a depth other than 8, 24 or 32 "
+                                    "bits (named by " +
+                                        fp + ")"};
+            }
+            (info.*setters[i])(std::move(held));
         }
     }
 
@@ -1373,7 +1382,11 @@ private:
                 continue;
             }
             const std::string name = std::string("images/") + kImageNames[i] + ".png";
-            if (imgs[i]->Save(CString::FromUtf8(m_dir + "/" + name)) != S_OK) {
+            // Back to an ordinary picture for the file; one the layout refuses goes as it is.
+            CImage plain;
+            const CImage& out =
+                VxPictureLayout::FromOverlayLayout(*imgs[i], plain) ? plain : *imgs[i];
+            if (out.Save(CString::FromUtf8(m_dir + "/" + name)) != S_OK) {
                 throw CaseFileError{name, "file",
                                     std::string("cannot be written (picture images.") +
                                         kImageNames[i] + ")"};

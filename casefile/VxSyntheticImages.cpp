@@ -6,12 +6,14 @@
 // landmarks and the brightness and contrast positions. The pictures are not
 // meant to be anatomically right, only recognisable and different from one
 // another; they carry a little seeded noise so that the X-rays are not flat.
-// Pixels are written straight into the bits.
+// Pixels are written straight into the bits of an ordinary picture, which is then brought into
+// the layout the case reader holds pictures in (upside down, bytes R, G, B).
 #include "VxSyntheticParts.h"
 
 #include "VxSyntheticRandom.h"
 
 #include <interfaces/CImage.h>
+#include <interfaces/VxPictureLayout.h>
 
 #include <algorithm>
 #include <cmath>
@@ -49,7 +51,12 @@ std::unique_ptr<CImage> Paint(int w, int h, const Shader& shade, VxSyntheticRand
             row[3 * x + 2] = static_cast<unsigned char>(std::max(0, std::min(255, r)));
         }
     }
-    return img;
+    // Painted as an ordinary picture, held as the case reader holds a read one.
+    auto held = std::make_unique<CImage>();
+    if (!VxPictureLayout::ToOverlayLayout(*img, *held)) {
+        return nullptr;
+    }
+    return held;
 }
 
 double Ell(double x, double y, double cx, double cy, double rx, double ry) {

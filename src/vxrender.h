@@ -59,6 +59,7 @@
 #include <interfaces/VxPanMeasure.h>
 #include <interfaces/VxPathHelper.h>
 #include <interfaces/VxPatientInfo.h>
+#include <interfaces/VxPictureLayout.h>
 #include <interfaces/VxPlane.h>
 #include <interfaces/VxPoint.h>
 #include <interfaces/VxPolyline.h>

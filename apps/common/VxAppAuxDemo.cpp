@@ -269,7 +269,7 @@ int VxAppAddAuxDemo(VxCase& c, VxAuxRender* aux, VxPoint& focus, std::string& er
     caption->SetTextPos(CPoint(12, 26));
     caption->SetText(CString(L"aux sample"));
     add(caption);
-    // Pin labels on the upper centrals: a leader from the crown to a plate above it.
+    // Pin labels on the upper centrals: a leader from the crown to a plate standing on its end.
     for (VxTooth* t : {u11, u21}) {
         auto* pin = new VxAuxBillBoard3d();
         pin->SetTextType(Text_ModelDepth);
@@ -279,6 +279,19 @@ int VxAppAddAuxDemo(VxCase& c, VxAuxRender* aux, VxPoint& focus, std::string& er
         const double lean = (Centre(t) - incisors) % side > 0.0 ? 4.0 : -4.0;
         pin->SetLine(base, base + up * 9.0 + forward * 2.0 + side * lean);
         pin->SetComponentsColor(VxColor(40, 160, 255), VxColor(40, 160, 255), VxColor(0, 0, 0));
+        add(pin);
+    }
+    // And one under the lower central 31: a falling leader sets its plate to the side, a little
+    // lower, with the tooth's name as a description under the number.
+    {
+        auto* pin = new VxAuxBillBoard3d();
+        pin->SetTextType(Text_ModelDepth);
+        pin->SetText(CString(L"31\nLL1"));
+        pin->SetShowDescript(true);
+        const VxPoint base = front(l31) + forward * 1.0;
+        const double lean = (Centre(l31) - lowerIncisors) % side > 0.0 ? 3.0 : -3.0;
+        pin->SetLine(base, base - up * 11.0 + forward * 8.0 + side * lean);
+        pin->SetComponentsColor(VxColor(255, 140, 0), VxColor(255, 140, 0), VxColor(0, 0, 0));
         add(pin);
     }
     return added;

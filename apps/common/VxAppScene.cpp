@@ -174,9 +174,10 @@ bool VxAppScene::Open(HWND window, int width, int height, const std::string& bac
 }
 
 void VxAppScene::SetCase(VxCase* c) {
-    // Aux objects stand on the old case's teeth.
+    // Aux objects stand on the old case's teeth; the picture is the old case's too.
     VxRenderStatus::GetInstance()->GetAuxRender()->Clear();
     m_auxDemo = false;
+    m_picture.Forget();
     m_case = c;
     VxModel* model = c ? &c->model : nullptr;
     if (c) {
@@ -352,13 +353,16 @@ void VxAppScene::Resize(int width, int height) {
 }
 
 void VxAppScene::RenderFrame() {
-    if (m_case) {
+    // A picture stands at the depth the library gives it (behind the front of the teeth) with
+    // its landmarks over it: while one is shown it takes the patient's place in the views.
+    if (m_case && m_picture.Kind() == VxAppPictureKind::None) {
         Render()->RenderScene(true);
     } else {
         Render()->RenderScene(false);
     }
     // The host's part of a frame: aux objects after the scene, so their depth passes see it,
     // and the axis cross last, in each view's lower-right corner.
+    m_picture.FollowView(Views()->GetView(0));
     VxRenderStatus::GetInstance()->GetAuxRender()->Render();
     if (m_axisCross) {
         Render()->DrawCoordinateSystem();
@@ -369,6 +373,13 @@ bool VxAppScene::SetAuxDemo(bool on, std::string& error) {
     VxAuxRender* aux = VxRenderStatus::GetInstance()->GetAuxRender();
     aux->Clear();
     m_auxDemo = false;
+    // The clear took the picture overlay with it; it is shown again.
+    const VxAppPictureKind picture = m_picture.Kind();
+    m_picture.Forget();
+    if (picture != VxAppPictureKind::None) {
+        std::string ignored;
+        m_picture.Show(m_case, picture, aux, Views()->GetView(0), ignored);
+    }
     if (!on) {
         return true;
     }
@@ -388,6 +399,11 @@ bool VxAppScene::SetAuxDemo(bool on, std::string& error) {
         view->SetXForm(xf);
     }
     return m_auxDemo;
+}
+
+bool VxAppScene::SetPicture(VxAppPictureKind kind, std::string& error) {
+    return m_picture.Show(m_case, kind, VxRenderStatus::GetInstance()->GetAuxRender(),
+                          Views()->GetView(0), error);
 }
 
 std::string VxAppScene::AuxHit(const CPoint& pixel, bool toggle) {

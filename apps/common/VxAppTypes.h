@@ -11,6 +11,7 @@ enum class VxAppLayout { Single, Jaws, Compare, Four, Five };
 enum class VxAppRenderPath { Fixed, Shader };
 enum class VxAppDisplay { Solid, SolidEdges, Edges, Points };
 enum class VxAppJaws { Both, Upper, Lower };
+enum class VxAppPictureKind { None, Front, Profile, Xray, Panoramic };
 
 template <typename E> struct VxAppName {
     E value;
@@ -43,6 +44,15 @@ inline constexpr std::array<VxAppName<VxAppJaws>, 3> kVxAppJaws{{
     {VxAppJaws::Both, "both", "upper and lower jaw"},
     {VxAppJaws::Upper, "upper", "upper jaw only"},
     {VxAppJaws::Lower, "lower", "lower jaw only"},
+}};
+
+// The patient pictures an overlay can show, in the order vxview's key cycles them.
+inline constexpr std::array<VxAppName<VxAppPictureKind>, 5> kVxAppPictures{{
+    {VxAppPictureKind::None, "none", "no picture overlay"},
+    {VxAppPictureKind::Front, "front", "frontal smile photograph"},
+    {VxAppPictureKind::Profile, "profile", "profile photograph"},
+    {VxAppPictureKind::Xray, "xray", "lateral cephalometric X-ray"},
+    {VxAppPictureKind::Panoramic, "panoramic", "panoramic film with its landmark markers"},
 }};
 
 // Exact, case-sensitive match of a word; false leaves `out` alone.

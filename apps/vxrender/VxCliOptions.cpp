@@ -227,6 +227,10 @@ const std::vector<Option>& Options() {
              o.handle = v;
              return std::string();
          }},
+        {"--picture", nullptr, true,
+         [](const std::string& v, VxCliOptions& o) {
+             return ApplyName(kVxAppPictures, "picture", v, o.picture);
+         }},
         {"--no-axis", nullptr, false,
          [](const std::string&, VxCliOptions& o) {
              o.noAxis = true;
@@ -434,6 +438,9 @@ std::string VxCliHelpText() {
          "                         arrow and turn arc) or position:N for one move mode N: 0-2\n"
          "                         move along X, Y, Z; 3 turn about Z; 4 the wide arc about Y;\n"
          "                         5, 6 turn about X from the centre, from below; 7 all\n"
+         "      --picture KIND     lay one of the case's patient pictures over the patient:\n"
+         "                         front, profile, xray, or panoramic (with its landmark\n"
+         "                         markers); none by default\n"
          "      --no-axis          leave out the small axis cross drawn in the lower-right\n"
          "                         corner of every view\n"
          "  -q, --quiet            do not list the pictures written\n"

@@ -47,6 +47,7 @@ struct VxCliOptions {
     bool noAxis = false;  // no axis cross in the views' corners
     // A manipulator on a tooth: "frame", "rotate", "position" or "position:N"; empty: none.
     std::string handle;
+    VxAppPictureKind picture = VxAppPictureKind::None; // a patient picture over the patient
 };
 
 struct VxCliParseResult {

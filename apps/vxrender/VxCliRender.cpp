@@ -137,6 +137,10 @@ int VxCliRender(const VxCliOptions& options, std::string& error) {
         }
         handle.FocusView(2.5);
     }
+    if (options.picture != VxAppPictureKind::None && !scene.SetPicture(options.picture, error)) {
+        error = "--picture: " + error;
+        return 1;
+    }
 
     for (const auto& [x, y] : options.picks) {
         if (x >= options.width || y >= options.height) {

@@ -90,6 +90,8 @@ std::string VxViewer::KeyHelp() {
            "                   handle, position handle move modes 0 to 7, off; left-drag a ball,\n"
            "                   arrow or arc to move or turn the tooth (Shift: a tenth as far)\n"
            "  O                axis cross in the views' corners on/off\n"
+           "  I                picture overlay: none, front, profile, xray, panoramic (with\n"
+           "                   its landmark markers), in turn\n"
            "  C                save a snapshot (vxview_snapshot_NNN.png in the working folder)\n"
            "  R                reset the view\n"
            "  E                gap editor on/off (one view, shader path): hover the cards,\n"
@@ -263,6 +265,16 @@ void VxViewer::OnKey(int key, int action, int /*mods*/) {
     case GLFW_KEY_T:
         PrintState(m_handle.Cycle(m_scene, VxAppHandle::DefaultTooth(m_scene)));
         break;
+    case GLFW_KEY_I: {
+        // Pictures the case lacks are passed over.
+        std::string error;
+        VxAppPictureKind kind = m_scene.GetPicture();
+        do {
+            kind = VxAppPicture::Next(kind);
+        } while (!m_scene.SetPicture(kind, error));
+        PrintState(std::string("picture: ") + VxAppNameOf(kVxAppPictures, kind));
+        break;
+    }
     case GLFW_KEY_O:
         m_scene.SetAxisCross(!m_scene.IsAxisCross());
         PrintState(m_scene.IsAxisCross() ? "axis cross: on" : "axis cross: off");

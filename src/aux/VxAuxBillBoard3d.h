@@ -10,12 +10,15 @@
 #include <interfaces/VxColor.h>
 #include <interfaces/VxPoint.h>
 
+#include <string>
+#include <vector>
+
 class VxViewRegion;
 
 enum ANCHOR_POSITION : int {
-    AnchorPosition_Below = 0, // the plate hangs below the line's end
-    AnchorPosition_Centre = 3,
-    AnchorPosition_Side = 5,
+    AnchorPosition_Below = 0,  // the line's end at the plate's lower tip: the plate stands on it
+    AnchorPosition_Centre = 3, // half the text's width right, the plate's height down
+    AnchorPosition_Side = 5,   // the text's width right, the plate stands on the end
 };
 
 class VxAuxBillBoard3d : public VxAuxText {
@@ -41,7 +44,9 @@ public:
     ANCHOR_POSITION GetAnchor() const { return m_anchor; }
     // Leader, plate rim and plate text.
     void SetComponentsColor(VxColor leader, VxColor rim, VxColor text);
+    // The lines after the first are a description, drawn under the label only when shown.
     void SetShowDescript(bool show) { m_showDescript = show; }
+    bool GetShowDescript() const { return m_showDescript; }
     void SetcenterPt(const VxPoint& centre) { m_centre = centre; }
     bool IsPlateValid() const { return m_plateValid; }
     const VxPoint& GetPlateCorner(int i) const { return m_plate[i & 3]; }
@@ -54,6 +59,11 @@ private:
     void DrawInModelCoordAllView(bool depth);
     void DrawInModelCoordAllViewOri(bool depth, const VxPoint& pos, double scale,
                                     const double facing[16]);
+    // The same pieces through the shader renderer's line, quadrangle and text forms.
+    void DrawOnShaderPath(bool depth, const VxPoint& pos, double scale, const double facing[16]);
+    // The text's lines (at most five); the first is the label, the rest its description.
+    std::vector<std::wstring> Lines() const;
+    std::wstring FirstLine() const;
 
     VxPoint m_lineStart;
     VxPoint m_lineStop;

@@ -41,8 +41,13 @@ protected:
     void DrawCore(const VxMatrix* placement);
 
 private:
-    // The listed triangles, each vertex coloured by `colourOf`; unknown ids are skipped.
+    // Each vertex of the listed triangles, as (id, position); unknown ids are skipped.
+    template <typename Visit> void ForEachVertex(Visit visit) const;
+    // The listed triangles, each vertex coloured by `colourOf`.
     template <typename ColourOf> void Triangles(ColourOf colourOf) const;
+    // The same through the shader renderer; `colourOf` returns the vertex's VxColor.
+    template <typename ColourOf>
+    void ShaderTriangles(ColourOf colourOf, const VxMatrix* placement) const;
 
     VxMesh* m_mesh = nullptr;
     std::vector<int> m_faces;

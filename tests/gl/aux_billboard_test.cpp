@@ -1,12 +1,15 @@
-// Pin labels in a 300 x 200 window at 4 pixels a millimetre: the plate's hit, the mark gate that
-// lets one of two labels on a line show, and the plate kept within three quarters of the view
-// while the view pans the pinned point off screen.
+// Pin labels in a 300 x 200 window at 4 pixels a millimetre, on both render paths: the plate's
+// anchor and hit, the mark gate that lets one of two labels on a line show, the front test, the
+// description lines, and the plate kept within three quarters of the view while the view pans
+// the pinned point off screen.
 #include "VxAuxTestScene.h"
+#include "VxTestRenderPath.h"
 
 #include <GL/glew.h>
 
 #include <aux/VxAuxBillBoard3d.h>
 #include <aux/VxAuxRender.h>
+#include <frame/NuCameraSnapshot.h>
 #include <frame/VxOpenGLRender.h>
 #include <interfaces/VxMatrix.h>
 #include <interfaces/VxXForm.h>
@@ -15,6 +18,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 
@@ -27,7 +31,7 @@ VxViewRegion* View() {
     return VxViewManager::GetInstance()->GetView(0);
 }
 
-class AuxBillBoardTest : public ::testing::Test {
+class AuxBillBoardTest : public ::testing::TestWithParam<VxTestRenderPath> {
 protected:
     static void SetUpTestSuite() { open = VxAuxTestScene::Open(kW, kH); }
     void SetUp() override {
@@ -37,8 +41,19 @@ protected:
             }
             GTEST_SKIP() << "no EGL context on this machine";
         }
+        VxApplyRenderPath(GetParam());
     }
-    void TearDown() override { EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR)); }
+    void TearDown() override {
+        EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+        GLint program = -1;
+        glGetIntegerv(GL_CURRENT_PROGRAM, &program);
+        EXPECT_EQ(program, 0);
+        GLint depthMask = 0;
+        glGetIntegerv(GL_DEPTH_WRITEMASK, &depthMask);
+        EXPECT_EQ(depthMask, GL_TRUE);
+        EXPECT_FALSE(glIsEnabled(GL_BLEND));
+        VxApplyRenderPath(VxTestRenderPath::Fixed);
+    }
     // Text type before text: the glyph lists are built for the type.
     static VxAuxBillBoard3d* AddLabel(const wchar_t* text, const VxPoint& start,
                                       const VxPoint& stop, int mark = 0) {
@@ -66,43 +81,130 @@ protected:
 
 } // namespace
 
-TEST_F(AuxBillBoardTest, PlateIsHitAtItsCentreAndNotTenPixelsOutside) {
-    VxAuxTestScene scene(4.0, false);
-    VxAuxBillBoard3d* label = AddLabel(L"11", VxPoint(0, -10, 0), VxPoint(0, 0, 0));
+TEST_P(AuxBillBoardTest, PlateStandsOnTheLineEndAndIsHitInsideOnly) {
+    // Close enough for the glyphs to be legible on both paths.
+    VxAuxTestScene scene(10.0, false);
+    VxAuxBillBoard3d* label = AddLabel(L"11", VxPoint(0, -9, 0), VxPoint(0, 0, 0));
     EXPECT_FALSE(label->HitTest(150, 100)) << "nothing placed before the first drawing";
     ASSERT_EQ(VxAuxTestScene::Aux()->GetBillBoards().size(), 1u);
     const VxTestImage img = scene.FrameWithAux();
-    VxAuxTestScene::Save(img, "aux_billboard_plate");
+    VxAuxTestScene::Save(img, std::string("aux_billboard_plate_") +
+                                  (GetParam() == VxTestRenderPath::Shader ? "shader" : "fixed"));
     ASSERT_TRUE(label->IsPlateValid());
+    EXPECT_EQ(label->GetAnchor(), AnchorPosition_Below);
+    EXPECT_TRUE(label->IsFront());
+    // The diamond's lower tip sits on the line's end (the window's centre), the plate above it.
+    const CPoint tip =
+        VxAuxTestScene::Render()->MapModelPointToScreen(View(), label->GetPlateCorner(3), nullptr);
+    EXPECT_NEAR(tip.x, 150, 1);
+    EXPECT_NEAR(tip.y, 100, 1);
     const CPoint c = PlateCentre(label);
-    EXPECT_NEAR(c.x, 150, 2);
-    EXPECT_NEAR(c.y, 100, 2);
+    EXPECT_NEAR(c.x, 150, 1);
+    EXPECT_LT(c.y, 95);
+    const int half = 100 - c.y; // centre to tip, in pixels
     EXPECT_TRUE(label->HitTest(c.x, c.y));
-    // The diamond reaches 3 mm (12 pixels) either side of its centre.
-    EXPECT_TRUE(label->HitTest(c.x + 8, c.y));
-    EXPECT_FALSE(label->HitTest(c.x + 12 + 10, c.y));
-    EXPECT_FALSE(label->HitTest(c.x, c.y - 12 - 10));
-    // White plate with black glyphs on it (they start 2.7 mm left of the centre, 1.8 mm high),
-    // and the orange leader below.
+    EXPECT_TRUE(label->HitTest(c.x + half - 4, c.y));
+    EXPECT_FALSE(label->HitTest(c.x + half + 10, c.y));
+    EXPECT_FALSE(label->HitTest(c.x, c.y - half - 10));
+    // White plate with dark glyphs on it, a blue rim, and the orange leader below.
     int white = 0;
     int black = 0;
-    for (int y = c.y - 8; y <= c.y + 8; ++y) {
-        for (int x = c.x - 11; x <= c.x + 4; ++x) {
+    for (int y = c.y - half / 2; y <= c.y + half / 2; ++y) {
+        for (int x = c.x - half + 1; x <= c.x + half / 3; ++x) {
             const std::uint8_t* p = img.Pixel(x, y);
             white += (p[0] > 220 && p[1] > 220 && p[2] > 220) ? 1 : 0;
-            black += (p[0] < 60 && p[1] < 60 && p[2] < 60) ? 1 : 0;
+            black += (p[0] < 90 && p[1] < 90 && p[2] < 90) ? 1 : 0;
         }
     }
     EXPECT_GT(white, 20);
-    EXPECT_GT(black, 5);
-    const std::uint8_t* leader = img.Pixel(150, 100 + 30);
+    EXPECT_GT(black, 5) << "the label's glyphs";
+    int rim = 0;
+    for (int x = c.x - half - 2; x <= c.x - half / 2; ++x) {
+        const std::uint8_t* p = img.Pixel(x, c.y);
+        rim += (p[2] > 150 && p[0] < 100) ? 1 : 0;
+    }
+    EXPECT_GE(rim, 1) << "blue rim at the left tip";
+    const std::uint8_t* leader = img.Pixel(150, 150);
     EXPECT_GT(leader[0], 200);
     EXPECT_GT(leader[1], 100);
+    EXPECT_LT(leader[2], 80);
     VxAuxTestScene::Aux()->HitTest(c);
     EXPECT_EQ(VxAuxTestScene::Aux()->GetHitObject(), label);
+    VxAuxTestScene::Aux()->SetHitObject(nullptr);
+
+    // With several views the frame's camera record holds the last view drawn, while the
+    // registry draws each view under its own matrices: the label must not follow the record.
+    scene.Frame();
+    VxXForm other = View()->GetXForm();
+    other.SetScale(other.GetScale() * 2.0);
+    other.SetTranslation(other.GetTranslation() + VxVector(7, -3, 0));
+    NuCameraSnapshot::GetInstance()->SetViewTransform(&other);
+    VxAuxTestScene::Aux()->Render();
+    const VxTestImage underOther = VxAuxTestScene::Read();
+    // The glyphs may move by a pixel: the renderer offsets each glyph by its bearing along the
+    // model axes of its own space. Leader, plate and rim must not move at all.
+    int differ = 0;
+    for (int y = 0; y < kH; ++y) {
+        for (int x = 0; x < kW; ++x) {
+            if (std::abs(y - c.y) <= half / 2 && x >= c.x - half && x <= c.x + half / 2) {
+                continue;
+            }
+            const std::uint8_t* a = img.Pixel(x, y);
+            const std::uint8_t* b = underOther.Pixel(x, y);
+            differ += (std::abs(a[0] - b[0]) + std::abs(a[1] - b[1]) + std::abs(a[2] - b[2]) > 60);
+        }
+    }
+    EXPECT_EQ(differ, 0) << "the same pixels whatever it holds";
 }
 
-TEST_F(AuxBillBoardTest, OfTwoMarkedLabelsOnOneLineExactlyOneShows) {
+TEST_P(AuxBillBoardTest, FallingLineSetsThePlateToTheSideAndLowerDown) {
+    VxAuxTestScene scene(4.0, false);
+    VxAuxBillBoard3d* label = AddLabel(L"31", VxPoint(0, 10, 0), VxPoint(0, 0, 0));
+    EXPECT_EQ(label->GetAnchor(), AnchorPosition_Side);
+    EXPECT_DOUBLE_EQ(label->GetTextPos()[1], -5.0) << "dropped by five millimetres";
+    scene.FrameWithAux();
+    ASSERT_TRUE(label->IsPlateValid());
+    const CPoint end = scene.ToScreen(VxPoint(0, -5, 0));
+    const CPoint c = PlateCentre(label);
+    EXPECT_GT(c.x, end.x + 5) << "to the right of the line's end";
+    EXPECT_LT(c.y, end.y - 3) << "standing on its level";
+}
+
+TEST_P(AuxBillBoardTest, PlateBehindItsPinIsNotDrawnAndDescriptionShowsOnRequest) {
+    VxAuxTestScene scene(10.0, false);
+    const VxTestImage bare = scene.FrameWithAux();
+    // A leader running 20 mm away from the viewer: the plate would stand behind its pin.
+    VxAuxBillBoard3d* behind = AddLabel(L"41", VxPoint(0, 0, 0), VxPoint(0, 2, -20));
+    VxTestImage img = scene.FrameWithAux();
+    EXPECT_FALSE(behind->IsFront());
+    EXPECT_FALSE(behind->IsPlateValid());
+    EXPECT_EQ(img.rgba, bare.rgba) << "nothing drawn for it";
+    VxAuxTestScene::Aux()->RemoveAuxObject(behind, true);
+
+    // A second line is a description: under the plate only when shown.
+    VxAuxBillBoard3d* label = AddLabel(L"11\nUR1", VxPoint(0, -9, 0), VxPoint(0, 0, 0));
+    img = scene.FrameWithAux();
+    const CPoint c = PlateCentre(label);
+    const int half = 100 - c.y;
+    const auto darkBelow = [&](const VxTestImage& im) {
+        int dark = 0;
+        for (int y = c.y + half / 3; y <= std::min(c.y + 2 * half, kH - 1); ++y) {
+            for (int x = std::max(c.x - 2 * half, 0); x <= std::min(c.x + 2 * half, kW - 1); ++x) {
+                const std::uint8_t* p = im.Pixel(x, y);
+                dark += (p[0] < 90 && p[1] < 90 && p[2] < 90) ? 1 : 0;
+            }
+        }
+        return dark;
+    };
+    const int without = darkBelow(img);
+    label->SetShowDescript(true);
+    img = scene.FrameWithAux();
+    VxAuxTestScene::Save(img, std::string("aux_billboard_descript_") +
+                                  (GetParam() == VxTestRenderPath::Shader ? "shader" : "fixed"));
+    EXPECT_GT(darkBelow(img), without + 10);
+}
+
+TEST_P(AuxBillBoardTest, OfTwoMarkedLabelsOnOneLineExactlyOneShows) {
     VxAuxTestScene scene(4.0, false);
     VxAuxBillBoard3d* even = AddLabel(L"12", VxPoint(0, -10, 0), VxPoint(0, 0, 0), 2468);
     VxAuxBillBoard3d* odd = AddLabel(L"13", VxPoint(0, -10, 0), VxPoint(0, 0, 0), 1357);
@@ -119,7 +221,7 @@ TEST_F(AuxBillBoardTest, OfTwoMarkedLabelsOnOneLineExactlyOneShows) {
     EXPECT_FALSE(lower->IsPlateValid());
 }
 
-TEST_F(AuxBillBoardTest, PlateStaysWithinThreeQuartersOfTheViewWhileItPans) {
+TEST_P(AuxBillBoardTest, PlateStaysWithinThreeQuartersOfTheViewWhileItPans) {
     VxAuxTestScene scene(4.0, false);
     VxAuxBillBoard3d* label = AddLabel(L"21", VxPoint(0, -10, 0), VxPoint(0, 0, 0));
     const double tolerance = 2.0 / kH; // a pixel of rounding either way
@@ -145,3 +247,5 @@ TEST_F(AuxBillBoardTest, PlateStaysWithinThreeQuartersOfTheViewWhileItPans) {
     }
     EXPECT_EQ(checked, 25 * 2 * 4);
 }
+
+VX_BOTH_RENDER_PATHS(AuxBillBoardTest);

@@ -4,6 +4,7 @@
 // over nearer geometry, the plane grid's line counts, a box following its tooth's placement, and
 // a face's per-vertex colours. The view looks down -z with x right; the grey slab covers x < 0.
 #include "VxAuxTestScene.h"
+#include "VxTestRenderPath.h"
 
 #include <GL/glew.h>
 
@@ -19,9 +20,13 @@
 #include <aux/VxAuxPoint.h>
 #include <aux/VxAuxPolyline.h>
 #include <aux/VxAuxRender.h>
+#include <frame/NuCameraSnapshot.h>
 #include <interfaces/VxBSplineCurve.h>
 #include <interfaces/VxTooth.h>
 #include <interfaces/VxTransformMatrix.h>
+#include <views/VxViewRegion.h>
+#include <views/VxViewManager.h>
+#include <interfaces/VxXForm.h>
 
 #include <gtest/gtest.h>
 
@@ -453,6 +458,50 @@ TEST_F(AuxDrawTest, FaceColoursInterpolateBetweenVertices) {
     face->ClearFaces();
     img = scene.FrameWithAux();
     EXPECT_EQ(at(VxPoint(0, -2, 0))[0], 255);
+}
+
+TEST_F(AuxDrawTest, FaceOnTheShaderPathGoesThroughTheColouredTrianglePass) {
+    VxApplyRenderPath(VxTestRenderPath::Shader);
+    VxAuxTestScene scene(6.0, false);
+    VxMesh mesh;
+    // The first float of the renderer's block is its cache key: a vertex x no other test uses.
+    mesh.SetMeshData({VxPoint(-10.25, -8, 0), VxPoint(10, -8, 0), VxPoint(0, 10, 0)}, {0, 1, 2});
+    auto* face = new VxAuxFace(&mesh);
+    face->SetFaces({0, 7}); // the unknown face is skipped
+    face->AddColorVtx(0, VxColor(255, 0, 0));
+    face->AddColorVtx(1, VxColor(0, 255, 0));
+    face->AddColorVtx(2, VxColor(0, 0, 255));
+    VxAuxTestScene::Aux()->AddAuxObject(face);
+    const VxTestImage img = scene.FrameWithAux();
+    VxAuxTestScene::Save(img, "aux_face_shader");
+    const auto at = [&](const VxPoint& p) {
+        return img.Pixel(scene.ToScreen(p).x, scene.ToScreen(p).y);
+    };
+    EXPECT_GT(at(VxPoint(-8, -7, 0))[0], 180);
+    EXPECT_LT(at(VxPoint(-8, -7, 0))[1], 80);
+    EXPECT_GT(at(VxPoint(8, -7, 0))[1], 180);
+    EXPECT_GT(at(VxPoint(0, 8, 0))[2], 180);
+    EXPECT_EQ(at(VxPoint(12, 8, 0))[0], 255) << "white outside the triangle";
+    // With several views, the frame's camera record holds the last view drawn while the
+    // registry draws each view under its own matrices: the patch must not follow the record.
+    scene.Frame();
+    VxXForm other = VxViewManager::GetInstance()->GetView(0)->GetXForm();
+    other.SetScale(other.GetScale() * 2.0);
+    other.SetTranslation(other.GetTranslation() + VxVector(7, -3, 0));
+    NuCameraSnapshot::GetInstance()->SetViewTransform(&other);
+    VxAuxTestScene::Aux()->Render();
+    const VxTestImage underOther = VxAuxTestScene::Read();
+    EXPECT_EQ(underOther.rgba, img.rgba) << "the same pixels whatever the record holds";
+    GLint program = -1;
+    glGetIntegerv(GL_CURRENT_PROGRAM, &program);
+    EXPECT_EQ(program, 0);
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+    // Nothing on either path without faces.
+    face->ClearFaces();
+    EXPECT_EQ(scene.FrameWithAux().Pixel(scene.ToScreen(VxPoint(0, -2, 0)).x,
+                                         scene.ToScreen(VxPoint(0, -2, 0)).y)[0],
+              255);
+    VxApplyRenderPath(VxTestRenderPath::Fixed);
 }
 
 TEST_F(AuxDrawTest, CurvesAndSurfacesDrawWhatGluAcceptsAndNothingElse) {

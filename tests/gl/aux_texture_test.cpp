@@ -9,6 +9,8 @@
 #include <aux/VxAuxMarker.h>
 #include <aux/VxAuxRender.h>
 #include <aux/VxAuxTexture.h>
+#include <interfaces/CImage.h>
+#include <interfaces/VxPictureLayout.h>
 #include <interfaces/CBitmap.h>
 #include <views/VxViewManager.h>
 
@@ -114,6 +116,40 @@ TEST_F(AuxTextureTest, FittedPictureIsUprightWithTrueColoursInItsRectangle) {
     EXPECT_FALSE(picture->HitTest(150, 197));
     picture->SetType(AuxTexture_Screen);
     EXPECT_FALSE(picture->HitTest(150, 120)) << "a fixed screen image ignores the mouse";
+}
+
+TEST_F(AuxTextureTest, OrdinaryPictureBroughtIntoTheLayoutShowsUprightInTrueColours) {
+    // An ordinary 10 x 8 picture, row 0 on top, as a file or a camera gives it: red top-left,
+    // green top-right, blue bottom-left, white bottom-right; the case holds it in the layout.
+    CImage photo;
+    ASSERT_TRUE(photo.Create(10, 8, 24));
+    for (int y = 0; y < 8; ++y) {
+        for (int x = 0; x < 10; ++x) {
+            const bool right = x >= 5;
+            photo.SetPixel(x, y,
+                           y < 4 ? (right ? RGB(0, 255, 0) : RGB(255, 0, 0))
+                                 : (right ? RGB(255, 255, 255) : RGB(0, 0, 255)));
+        }
+    }
+    CImage held;
+    ASSERT_TRUE(VxPictureLayout::ToOverlayLayout(photo, held));
+    VxAuxTestScene scene(4.0, false);
+    auto* picture = new VxAuxTexture();
+    picture->SetType(AuxTexture_Movable);
+    CBitmap bitmap;
+    bitmap.Attach(held.Detach());
+    ASSERT_TRUE(picture->SetTexture(bitmap));
+    held.Attach(bitmap.Detach());
+    VxAuxTestScene::Aux()->AddAuxObject(picture);
+    const CRect r = picture->GetScreenRect();
+    const VxTestImage img = scene.FrameWithAux();
+    VxAuxTestScene::Save(img, "aux_texture_from_layout");
+    const int qx = r.Width() / 4;
+    const int qy = r.Height() / 4;
+    EXPECT_TRUE(Near(img.Pixel(r.left + qx, r.top + qy), 255, 0, 0)) << "red at the top left";
+    EXPECT_TRUE(Near(img.Pixel(r.right - qx, r.top + qy), 0, 255, 0)) << "green at the top right";
+    EXPECT_TRUE(Near(img.Pixel(r.left + qx, r.bottom - qy), 0, 0, 255)) << "blue, bottom left";
+    EXPECT_TRUE(Near(img.Pixel(r.right - qx, r.bottom - qy), 255, 255, 255)) << "white";
 }
 
 TEST_F(AuxTextureTest, DragScaleAndZoomMoveThePixelsAndTheMarkerFollows) {

@@ -6,7 +6,9 @@
 // outline before 12 and a red crossing one before 22, a purple arch curve over the upper crowns
 // and a yellow pipe over the lower ones, a translucent plane over the lower right teeth and a
 // ruled grid by the upper right canine, a ring with its blue disc around 23, a green torus arc
-// by 33 and a blue-to-red depth patch on 41. Any change in how an aux object draws shows here.
+// by 33 and a blue-to-red depth patch on 41, and three pin labels: "11" and "21" on white
+// diamonds standing on blue leaders above the upper centrals, "31" with its description "LL1" on
+// an orange leader down over the lower gum. Any change in how an aux object draws shows here.
 #include "VxTestPaths.h"
 #include "VxTestImage.h"
 

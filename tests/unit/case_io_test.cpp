@@ -654,8 +654,8 @@ void BuildRichCase(VxCase& c) {
     c.gapInfos.push_back(g);
     c.gapInfos.push_back(VxGapInfo(c.gums[0].get(), nullptr, true, 0.4, VxPoint(1, 2, 3)));
 
-    c.patientInfo.SetPanoramicImg(MakeImage(9, 5, 24, 1));
-    c.patientInfo.SetCephalometricImg(MakeImage(6, 7, 8, 2));
+    c.patientInfo.SetPanoramicImg(MakeImage(10, 6, 24, 1));
+    c.patientInfo.SetCephalometricImg(MakeImage(6, 8, 24, 2));
     c.panMeasure.SetBrightPos(3);
     c.panMeasure.SetContrastPos(-2);
     c.panMeasure.AddData(PanAttribute(1, 16, VxPoint(0.25, 0.5, 0)));

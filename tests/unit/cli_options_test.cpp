@@ -114,6 +114,7 @@ TEST(CliOptionsTest, EveryOptionInLongShortAndInlineForms) {
 }
 
 TEST(CliOptionsTest, EveryChoiceWordParsesAndNoOtherDoes) {
+    std::string e;
     const std::vector<std::pair<const char*, VxAppLayout>> layouts = {
         {"single", VxAppLayout::Single},
         {"jaws", VxAppLayout::Jaws},
@@ -138,8 +139,22 @@ TEST(CliOptionsTest, EveryChoiceWordParsesAndNoOtherDoes) {
     for (const char* word : {"both", "upper", "lower"}) {
         EXPECT_TRUE(Runs(Parse({"--jaws", word}))) << word;
     }
+    const std::vector<std::pair<const char*, VxAppPictureKind>> pictures = {
+        {"none", VxAppPictureKind::None},
+        {"front", VxAppPictureKind::Front},
+        {"profile", VxAppPictureKind::Profile},
+        {"xray", VxAppPictureKind::Xray},
+        {"panoramic", VxAppPictureKind::Panoramic}};
+    for (const auto& [word, value] : pictures) {
+        const Parsed p = Parse({"--picture", word});
+        ASSERT_TRUE(Runs(p)) << word;
+        EXPECT_EQ(p.options.picture, value) << word;
+    }
+    EXPECT_EQ(Parse({}).options.picture, VxAppPictureKind::None);
+    e = ErrorOf({"--picture", "x-ray"});
+    EXPECT_TRUE(Contains(e, "none, front, profile, xray, panoramic")) << e;
     // Words are exact: no case folding, no prefixes, no numbers for names.
-    std::string e = ErrorOf({"--layout", "Five"});
+    e = ErrorOf({"--layout", "Five"});
     EXPECT_TRUE(Contains(e, "--layout")) << e;
     EXPECT_TRUE(Contains(e, "'Five'")) << e;
     EXPECT_TRUE(Contains(e, "single, jaws, compare, four, five")) << e;
@@ -259,15 +274,16 @@ TEST(CliOptionsTest, HandleKindsAndTheirModes) {
 TEST(CliOptionsTest, HelpTextExplainsEveryOptionAndChoice) {
     const std::string help = VxCliHelpText();
     for (const char* name :
-         {"--size",       "-s,",    "--layout", "-l,",      "--path",       "--display",
-          "-d,",          "--jaws", "-j,",      "--step",   "--select",     "--highlight",
-          "--background", "-b,",    "--output", "-o,",      "--seed",       "--quiet",
-          "-q,",          "--help", "-h,",      "CASE_DIR", "--write-case", "--editor"}) {
+         {"--size",   "-s,",          "--layout", "-l,",      "--path",      "--display",    "-d,",
+          "--jaws",   "-j,",          "--step",   "--select", "--highlight", "--background", "-b,",
+          "--output", "-o,",          "--seed",   "--quiet",  "-q,",         "--help",       "-h,",
+          "CASE_DIR", "--write-case", "--editor", "--picture"}) {
         EXPECT_TRUE(Contains(help, name)) << name;
     }
     for (const char* word :
-         {"single", "jaws", "compare", "four", "five", "fixed", "shader", "solid", "solid+edges",
-          "edges", "points", "upper", "lower", "both", "all", "last", "A-B"}) {
+         {"single", "jaws",        "compare", "four",    "five",  "fixed",    "shader",
+          "solid",  "solid+edges", "edges",   "points",  "upper", "lower",    "both",
+          "all",    "last",        "A-B",     "profile", "xray",  "panoramic"}) {
         EXPECT_TRUE(Contains(help, word)) << word;
     }
     // Every line fits a terminal.
