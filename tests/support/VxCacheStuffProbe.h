@@ -52,6 +52,9 @@ public:
     static void FDIPosition(VxTooth* t, VxPoint* corners, bool small) {
         C()->CalculateFDIPosition(t, corners, small);
     }
+    static void MDPosition(VxTooth* t, VxPoint* corners, bool small) {
+        C()->CalculateMDPosition(t, corners, small);
+    }
     static VxPoint SeeCenter(VxTooth* t) { return C()->GetToothSeeCenter(t); }
     static void ReadConfigFile() { C()->ReadConfigFile(); }
 
