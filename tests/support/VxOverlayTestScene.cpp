@@ -11,6 +11,7 @@
 
 #include <aux/VxAuxRender.h>
 #include <frame/VxOpenGLRender.h>
+#include <frame/VxRenderEnums.h>
 #include <frame/VxRenderStatus.h>
 #include <interfaces/VxBBox.h>
 #include <interfaces/VxXForm.h>
@@ -86,12 +87,28 @@ void VxOverlayTestScene::Look(VxViewManager::FixedView side, int step, double zo
     views->SetActiveView(0);
     const VxBBox box = c.model.GetBBox();
     VxXForm fit;
-    fit.SetRotation(VxViewManager::GetFixedMatrix(side) *
-                    VxViewManager::GetReferenceRotation(c.model));
+    // The occlusal views turn the front view a quarter about the screen's x axis: the upper
+    // arch seen from below with the incisors up, the lower from above with the incisors down.
+    const bool occlusal =
+        side == VxViewManager::View_OcclusalUpper || side == VxViewManager::View_OcclusalLower;
+    VxMatrix turn(3, 3);
+    const double s = side == VxViewManager::View_OcclusalUpper ? -1.0 : 1.0;
+    turn[0][0] = 1;
+    turn[1][2] = -s;
+    turn[2][1] = s;
+    const VxMatrix base =
+        VxViewManager::GetFixedMatrix(occlusal ? VxViewManager::View_Front : side) *
+        VxViewManager::GetReferenceRotation(c.model);
+    fit.SetRotation(occlusal ? turn * base : base);
     fit.SetScale(1.8 * zoom / box.Diagonal());
     const VxPoint centre = box.Center();
     fit.SetTranslation(VxVector(-centre[0], -centre[1], -centre[2]));
     views->GetView(0)->SetXForm(fit);
+    // Seen along the teeth, the other jaw would stand in the way.
+    views->GetView(0)->SelectJawShow(side == VxViewManager::View_OcclusalUpper ? Display_Selec_Upper
+                                     : side == VxViewManager::View_OcclusalLower
+                                         ? Display_Selec_Lower
+                                         : Display_Selec_All);
     Render()->RenderScene(true); // the mappings read the last frame's matrices
 }
 

@@ -30,7 +30,8 @@ public:
     static VxCaseOverlays& Overlays();
     static VxCacheStuff* Cache();
 
-    // A single view of the whole patient from one side, at a treatment step; `zoom` > 1 comes
+    // A single view of the whole patient from one side (the occlusal sides as in the five-view
+    // layout), at a treatment step; `zoom` > 1 comes
     // closer about the patient's centre.
     static void Look(VxViewManager::FixedView side, int step, double zoom = 1.0);
     // The frame with the registry drawn, read back top-down.
