@@ -3,6 +3,8 @@
 // is left to the renderer. It does not print: the caller decides where help and errors go.
 #include "VxCliOptions.h"
 
+#include "../common/VxAppOverlays.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
@@ -216,6 +218,11 @@ const std::vector<Option>& Options() {
              o.auxDemo = true;
              return std::string();
          }},
+        {"--overlay", nullptr, true,
+         [](const std::string& v, VxCliOptions& o) {
+             std::string error;
+             return VxAppOverlays::Parse(v, o.overlays, error) ? std::string() : error;
+         }},
         {"--no-axis", nullptr, false,
          [](const std::string&, VxCliOptions& o) {
              o.noAxis = true;
@@ -416,6 +423,10 @@ std::string VxCliHelpText() {
          "      --aux-demo         draw a sample of every aux object over the patient (sphere,\n"
          "                         box, arrows, polyline, curve, pipe, planes, circle, torus,\n"
          "                         face patch, labels, pin labels)\n"
+         "      --overlay NAME,... show clinical overlays (may repeat; 'all' for every one):\n"
+         "                         numbers, marks, facc, refs, keypoint, archwire, midplane,\n"
+         "                         backplane, beauty, upplane, lowplane, upline, lowline,\n"
+         "                         xray, front, profile, panoramic\n"
          "      --no-axis          leave out the small axis cross drawn in the lower-right\n"
          "                         corner of every view\n"
          "  -q, --quiet            do not list the pictures written\n"
@@ -427,6 +438,7 @@ std::string VxCliHelpText() {
          "  vxrender --layout five -o out/\n"
          "  vxrender cases/patient1 --layout compare --size 1600x900 -o compare.png\n"
          "  vxrender --step all --jaws upper -o frames/\n"
-         "  vxrender --editor-sample -o editor.png\n";
+         "  vxrender --editor-sample -o editor.png\n"
+         "  vxrender --overlay numbers,marks,facc --step last -o plan.png\n";
     return h.str();
 }

@@ -43,8 +43,9 @@ struct VxCliOptions {
     std::string writeCase; // non-empty: also save the case (e.g. the synthetic one) there
     // Lay a sample of the gap editor's value cards and list rows over each picture.
     bool editorSample = false;
-    bool auxDemo = false; // draw the sample of aux objects over the patient
-    bool noAxis = false;  // no axis cross in the views' corners
+    bool auxDemo = false;              // draw the sample of aux objects over the patient
+    bool noAxis = false;               // no axis cross in the views' corners
+    std::vector<std::string> overlays; // clinical overlays to show, by name (VxAppOverlays)
 };
 
 struct VxCliParseResult {

@@ -9,6 +9,8 @@
 // Whether a step or tooth exists is known only once the case is read, so those values are
 // checked here, not by the parser.
 #include "VxCliRender.h"
+
+#include "VxAppOverlays.h"
 #include "VxCliEditorSample.h"
 
 #include <VxCaseIO.h>
@@ -125,6 +127,9 @@ int VxCliRender(const VxCliOptions& options, std::string& error) {
     scene.SetDisplay(options.display);
     scene.SetLayout(options.layout);
     scene.SetJaws(options.jaws);
+    for (const std::string& name : options.overlays) {
+        VxAppOverlays::Show(name, true);
+    }
 
     for (const auto& [x, y] : options.picks) {
         if (x >= options.width || y >= options.height) {

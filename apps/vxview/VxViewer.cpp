@@ -10,6 +10,8 @@
 // A click is a left press and release that moved less than a few pixels; any more is a turn.
 #include "VxViewer.h"
 
+#include "VxViewerOverlays.h"
+
 #include "VxAppCase.h"
 #include "VxArcball.h"
 #include "VxViewerX11.h"
@@ -88,7 +90,8 @@ std::string VxViewer::KeyHelp() {
            "                   objects: the hit one is highlighted and its selection toggled\n"
            "  O                axis cross in the views' corners on/off\n"
            "  C                save a snapshot (vxview_snapshot_NNN.png in the working folder)\n"
-           "  R                reset the view\n"
+           "  R                reset the view\n" +
+           std::string(VxViewerOverlays::KeyHelp()) +
            "  H                this list\n"
            "  Q or Esc         quit\n";
 }
@@ -269,6 +272,11 @@ void VxViewer::OnKey(int key, int action, int /*mods*/) {
         PrintState("view reset");
         break;
     default:
+        if (key >= GLFW_KEY_F1 && key <= GLFW_KEY_F9) {
+            const std::string what = VxViewerOverlays::OnFunctionKey(key - GLFW_KEY_F1 + 1);
+            PrintState(what.empty() ? "the overlays need a case" : what);
+            break;
+        }
         return;
     }
     m_dirty = true;
