@@ -222,6 +222,9 @@ void VxCacheStuff::PrepareFacc() {
         auto* pipe = new VxAuxPipeLine();
         pipe->SetHitable(false);
         pipe->SetStyle(AuxPipeLineStyle_Thick);
+        // A crown's curve is about a centimetre long: a ring every twentieth of it is smooth,
+        // and a fifth of the triangles of the finer steps, drawn once a tooth a view.
+        pipe->SetDensity(AuxPipeLineDensity_Coarse);
         pipe->SetColor(VxColor(255, 0, 0, 100));
         pipe->SetBSplineCurve(curve);
         m_faccCurves[tooth] = pipe;
@@ -245,6 +248,7 @@ void VxCacheStuff::PrepareToothRef() {
         auto* pipe = new VxAuxPipeLine();
         pipe->SetHitable(false);
         pipe->SetStyle(AuxPipeLineStyle_Thick);
+        pipe->SetDensity(AuxPipeLineDensity_Coarse); // a crown's curve, as the Facc overlay
         pipe->SetColor(kRefCurveColor);
         pipe->SetBSplineCurve(c);
         m_toothRefObjects[pipe] = ref;
