@@ -179,7 +179,15 @@ void BuildReferences(VxSynthContext& ctx) {
         }
         VxMidCurve mid;
         mid.SetCurve(CurveThrough(pts));
-        mid.SetAllRefVtx(vtx);
+        // The landmarks of the ridge, as of the Facc curve: every third vertex, the two ends and
+        // the middle vertex; the curve itself runs through them all.
+        std::vector<VxVertex*> landmarks;
+        for (size_t i = 0; i < vtx.size(); ++i) {
+            if (i % 3 == 0 || i + 1 == vtx.size() || vtx[i]->GetVtxId() == g.midVertex) {
+                landmarks.push_back(vtx[i]);
+            }
+        }
+        mid.SetAllRefVtx(landmarks);
         mid.SetMidVtxId(g.midVertex);
         ref.SetMidCurve(mid);
 
