@@ -18,17 +18,23 @@ TEST(OverlayExitTest, ExitsWithEveryOverlayShown) {
     VxApplyRenderPath(VxTestRenderPath::Fixed);
     VxOverlayTestScene::Look(VxViewManager::View_Front, 0);
     VxCacheStuff* cache = VxOverlayTestScene::Cache();
-    for (auto show : {&VxCacheStuff::SetShowToothFDI, &VxCacheStuff::SetShowMoveDiff,
-                      &VxCacheStuff::SetShowFacc, &VxCacheStuff::SetShowToothRef,
-                      &VxCacheStuff::SetShowKeyPoint, &VxCacheStuff::SetShowArchWire,
-                      &VxCacheStuff::SetShowMiddlePlane, &VxCacheStuff::SetShowBackBoundaryPlane,
-                      &VxCacheStuff::SetShowBeautyPlane, &VxCacheStuff::SetShowUpJawPlane,
-                      &VxCacheStuff::SetShowDownJawPlane, &VxCacheStuff::SetShowUpToothLine,
-                      &VxCacheStuff::SetShowDownToothLine, &VxCacheStuff::SetShowXImg,
-                      &VxCacheStuff::SetShowFrontImg, &VxCacheStuff::SetShowProfile,
-                      &VxCacheStuff::SetShowPanoramic}) {
-        (cache->*show)(true);
-    }
+    cache->SetShowToothFDI(true);
+    cache->SetShowMoveDiff(true);
+    cache->SetShowFacc(true);
+    cache->SetShowToothRef(true);
+    cache->SetShowKeyPoint(true);
+    cache->SetShowArchWire(true);
+    cache->SetShowMiddlePlane(true);
+    cache->SetShowBackBoundaryPlane(true);
+    cache->SetShowBeautyPlane(true);
+    cache->SetShowUpJawPlane(true);
+    cache->SetShowDownJawPlane(true);
+    cache->SetShowUpToothLine(true);
+    cache->SetShowDownToothLine(true);
+    cache->SetShowXImg(true);
+    cache->SetShowFrontImg(true);
+    cache->SetShowProfile(true);
+    cache->SetShowPanoramic(true);
     cache->SetShowKeyPoint(true); // the earlier point stays with the registry
     VxOverlayTestScene::Frame();
     EXPECT_GT(VxRenderStatus::GetInstance()->GetAuxRender()->GetAuxObjects().size(), 100u);
