@@ -12,6 +12,7 @@
 #include <interfaces/VxBSplineCurve.h>
 #include <interfaces/VxTreatStep.h>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -157,6 +158,9 @@ void BuildReferences(VxSynthContext& ctx) {
         if ((g.facialAxis.size() - 1) % 3 != 0) {
             vtx.push_back(tooth->GetVertex(g.facialAxis.back()));
         }
+        // The Facc curve runs from the incisal edge towards the gum: the tooth number's card reads
+        // up along it.
+        std::reverse(vtx.begin(), vtx.end());
         for (VxVertex* v : vtx) {
             pts.push_back(v->GetPos());
         }
@@ -175,7 +179,15 @@ void BuildReferences(VxSynthContext& ctx) {
         }
         VxMidCurve mid;
         mid.SetCurve(CurveThrough(pts));
-        mid.SetAllRefVtx(vtx);
+        // The landmarks of the ridge, as of the Facc curve: every third vertex, the two ends and
+        // the middle vertex; the curve itself runs through them all.
+        std::vector<VxVertex*> landmarks;
+        for (size_t i = 0; i < vtx.size(); ++i) {
+            if (i % 3 == 0 || i + 1 == vtx.size() || vtx[i]->GetVtxId() == g.midVertex) {
+                landmarks.push_back(vtx[i]);
+            }
+        }
+        mid.SetAllRefVtx(landmarks);
         mid.SetMidVtxId(g.midVertex);
         ref.SetMidCurve(mid);
 

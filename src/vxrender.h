@@ -180,7 +180,10 @@
 #include <aux/VxAuxTorus.h>
 
 // overlays
+#include <overlays/VxAttachAnchorGrid.h>
 #include <overlays/VxCacheStuff.h>
+#include <overlays/VxMeasureGrid.h>
+#include <overlays/VxTextHelper.h>
 
 // gapeditor
 #include <gapeditor/EnumEventInfoCreateModify.h>

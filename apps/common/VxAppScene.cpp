@@ -10,6 +10,8 @@
 // drawn before every layout switch.
 #include "VxAppScene.h"
 
+#include "VxAppOverlays.h"
+
 #include "VxAppAuxDemo.h"
 
 #include <VxCase.h>
@@ -174,6 +176,8 @@ bool VxAppScene::Open(HWND window, int width, int height, const std::string& bac
 }
 
 void VxAppScene::SetCase(VxCase* c) {
+    // The overlays go before the registry is emptied, and come back on the new case.
+    VxAppOverlays::Attach(nullptr);
     // Aux objects stand on the old case's teeth; the picture is the old case's too.
     VxRenderStatus::GetInstance()->GetAuxRender()->Clear();
     m_auxDemo = false;
@@ -183,6 +187,7 @@ void VxAppScene::SetCase(VxCase* c) {
     if (c) {
         c->Install();
     }
+    VxAppOverlays::Attach(c);
     Render()->SetModel(model);
     VxRenderStatus::GetInstance()->GetSelecter()->SetModel(model);
     if (Views()->IsMultiView()) {
@@ -195,6 +200,7 @@ void VxAppScene::SetCase(VxCase* c) {
 }
 
 void VxAppScene::ResetView() {
+    const VxAppOverlaysPause pause; // pictures fit the views they are made in
     if (!m_case) {
         return;
     }
@@ -223,6 +229,7 @@ void VxAppScene::ResetView() {
 }
 
 void VxAppScene::SetLayout(VxAppLayout layout) {
+    const VxAppOverlaysPause pause;
     if (!m_case) {
         return;
     }
@@ -370,6 +377,7 @@ void VxAppScene::RenderFrame() {
 }
 
 bool VxAppScene::SetAuxDemo(bool on, std::string& error) {
+    const VxAppOverlaysPause pause; // the overlays stay out of the registry's clearing
     VxAuxRender* aux = VxRenderStatus::GetInstance()->GetAuxRender();
     aux->Clear();
     m_auxDemo = false;

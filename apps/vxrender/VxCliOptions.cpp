@@ -3,6 +3,8 @@
 // is left to the renderer. It does not print: the caller decides where help and errors go.
 #include "VxCliOptions.h"
 
+#include "../common/VxAppOverlays.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
@@ -231,6 +233,11 @@ const std::vector<Option>& Options() {
          [](const std::string& v, VxCliOptions& o) {
              return ApplyName(kVxAppPictures, "picture", v, o.picture);
          }},
+        {"--overlay", nullptr, true,
+         [](const std::string& v, VxCliOptions& o) {
+             std::string error;
+             return VxAppOverlays::Parse(v, o.overlays, error) ? std::string() : error;
+         }},
         {"--no-axis", nullptr, false,
          [](const std::string&, VxCliOptions& o) {
              o.noAxis = true;
@@ -441,6 +448,10 @@ std::string VxCliHelpText() {
          "      --picture KIND     lay one of the case's patient pictures over the patient:\n"
          "                         front, profile, xray, or panoramic (with its landmark\n"
          "                         markers); none by default\n"
+         "      --overlay NAME,... show clinical overlays (may repeat; 'all' for every one):\n"
+         "                         numbers, marks, facc, refs, keypoint, archwire, midplane,\n"
+         "                         backplane, beauty, upplane, lowplane, upline, lowline,\n"
+         "                         xray, front, profile, panoramic\n"
          "      --no-axis          leave out the small axis cross drawn in the lower-right\n"
          "                         corner of every view\n"
          "  -q, --quiet            do not list the pictures written\n"
@@ -452,6 +463,7 @@ std::string VxCliHelpText() {
          "  vxrender --layout five -o out/\n"
          "  vxrender cases/patient1 --layout compare --size 1600x900 -o compare.png\n"
          "  vxrender --step all --jaws upper -o frames/\n"
-         "  vxrender --editor -o editor.png\n";
+         "  vxrender --editor -o editor.png\n"
+         "  vxrender --overlay numbers,marks,facc --step last -o plan.png\n";
     return h.str();
 }

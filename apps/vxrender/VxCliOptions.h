@@ -48,6 +48,7 @@ struct VxCliOptions {
     // A manipulator on a tooth: "frame", "rotate", "position" or "position:N"; empty: none.
     std::string handle;
     VxAppPictureKind picture = VxAppPictureKind::None; // a patient picture over the patient
+    std::vector<std::string> overlays; // clinical overlays to show, by name (VxAppOverlays)
 };
 
 struct VxCliParseResult {

@@ -10,6 +10,7 @@
 // checked here, not by the parser.
 #include "VxCliRender.h"
 #include "VxAppEditor.h"
+#include "VxAppOverlays.h"
 
 #include <VxCaseIO.h>
 
@@ -140,6 +141,9 @@ int VxCliRender(const VxCliOptions& options, std::string& error) {
     if (options.picture != VxAppPictureKind::None && !scene.SetPicture(options.picture, error)) {
         error = "--picture: " + error;
         return 1;
+    }
+    for (const std::string& name : options.overlays) {
+        VxAppOverlays::Show(name, true);
     }
 
     for (const auto& [x, y] : options.picks) {

@@ -10,6 +10,8 @@
 // A click is a left press and release that moved less than a few pixels; any more is a turn.
 #include "VxViewer.h"
 
+#include "VxViewerOverlays.h"
+
 #include "VxAppCase.h"
 #include "VxArcball.h"
 #include "VxViewerX11.h"
@@ -97,7 +99,8 @@ std::string VxViewer::KeyHelp() {
            "  E                gap editor on/off (one view, shader path): hover the cards,\n"
            "                   click the arrows to step a reduction or space by 0.1 mm, the\n"
            "                   lock to lock it, a square to open its list and a row to add\n"
-           "                   or remove; each change is printed (\"IPR 11|21 0.3 -> 0.4 mm\")\n"
+           "                   or remove; each change is printed (\"IPR 11|21 0.3 -> 0.4 mm\")\n" +
+           std::string(VxViewerOverlays::KeyHelp()) +
            "  H                this list\n"
            "  Q or Esc         quit\n";
 }
@@ -295,6 +298,11 @@ void VxViewer::OnKey(int key, int action, int /*mods*/) {
         ToggleEditor();
         break;
     default:
+        if (key >= GLFW_KEY_F1 && key <= GLFW_KEY_F9) {
+            const std::string what = VxViewerOverlays::OnFunctionKey(key - GLFW_KEY_F1 + 1);
+            PrintState(what.empty() ? "the overlays need a case" : what);
+            break;
+        }
         return;
     }
     m_dirty = true;

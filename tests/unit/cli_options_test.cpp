@@ -3,6 +3,8 @@
 // independent list of the options, and the names of the pictures a run writes.
 // The parser is a plain source of the program; it is compiled into this test rather than linked.
 #include "../../apps/vxrender/VxCliOptions.cpp"
+// The overlay names --overlay checks against.
+#include "../../apps/common/VxAppOverlays.cpp"
 
 #include "VxTestPaths.h"
 
@@ -316,4 +318,23 @@ TEST(CliOptionsTest, OutputNames) {
     o.output = dir;
     o.layout = VxAppLayout::Compare;
     EXPECT_EQ(VxCliOutputPath(o, 1, false, 1), dir + "/compare.png");
+}
+
+TEST(CliOptionsTest, OverlaysByNameListOrAllAndAnUnknownNameIsOneError) {
+    Parsed p = Parse({"--overlay", "numbers,marks", "--overlay=facc,numbers"});
+    ASSERT_TRUE(Runs(p));
+    EXPECT_EQ(p.options.overlays, (std::vector<std::string>{"numbers", "marks", "facc"}));
+    p = Parse({"--overlay", "all"});
+    ASSERT_TRUE(Runs(p));
+    ASSERT_EQ(p.options.overlays.size(), 17u);
+    EXPECT_EQ(p.options.overlays.front(), "numbers");
+    EXPECT_EQ(p.options.overlays.back(), "panoramic");
+    for (const std::string& name : p.options.overlays) {
+        EXPECT_TRUE(Contains(VxCliHelpText(), name)) << name << " is named in --help";
+    }
+    const std::string error = ErrorOf({"--overlay", "numbers,teeth"});
+    EXPECT_TRUE(Contains(error, "--overlay")) << error;
+    EXPECT_TRUE(Contains(error, "'teeth'")) << error;
+    EXPECT_TRUE(Contains(error, "panoramic")) << error << " lists the known names";
+    EXPECT_FALSE(Contains(ErrorOf({"--overlay", "numbers,,marks"}), "'numbers'"));
 }
