@@ -177,6 +177,7 @@
 
 // overlays
 #include <overlays/VxCacheStuff.h>
+#include <overlays/VxOverlayLayout.h>
 
 // gapeditor
 #include <gapeditor/Enumerationofpng.h>
