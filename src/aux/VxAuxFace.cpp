@@ -68,9 +68,12 @@ void VxAuxFace::DrawCore(const VxMatrix* placement) {
     // exists both paths draw them the fixed-function way below.
     if (m_transparent) {
         glPushAttrib(GL_CURRENT_BIT | GL_LIGHTING_BIT | GL_DEPTH_BUFFER_BIT | GL_ENABLE_BIT |
-                     GL_COLOR_BUFFER_BIT);
+                     GL_COLOR_BUFFER_BIT | GL_POLYGON_BIT);
         glDisable(GL_LIGHTING);
         glEnable(GL_DEPTH_TEST);
+        glDepthFunc(GL_LEQUAL);
+        glEnable(GL_POLYGON_OFFSET_FILL);
+        glPolygonOffset(-1.0f, -2.0f);
         glEnable(GL_BLEND);
         glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
         GLColor(m_faceColor, 128);
@@ -78,9 +81,14 @@ void VxAuxFace::DrawCore(const VxMatrix* placement) {
         PopPass();
     } else {
         glPushAttrib(GL_CURRENT_BIT | GL_LIGHTING_BIT | GL_DEPTH_BUFFER_BIT | GL_ENABLE_BIT |
-                     GL_COLOR_BUFFER_BIT);
+                     GL_COLOR_BUFFER_BIT | GL_POLYGON_BIT);
         glDisable(GL_LIGHTING);
         glEnable(GL_DEPTH_TEST);
+        glDepthFunc(GL_LEQUAL);
+        // The patch lies exactly on the mesh it colours; pulled a little towards the eye it wins
+        // every depth test instead of half of them (a speckle of tooth through the map).
+        glEnable(GL_POLYGON_OFFSET_FILL);
+        glPolygonOffset(-1.0f, -2.0f);
         glShadeModel(GL_SMOOTH);
         Triangles([this](int id) {
             // A vertex without a colour is the caller's slip; it gets black, not a crash.
