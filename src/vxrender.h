@@ -176,8 +176,11 @@
 #include <aux/VxAuxTorus.h>
 
 // overlays
+#include <overlays/VxAttachAnchorGrid.h>
 #include <overlays/VxCacheStuff.h>
+#include <overlays/VxMeasureGrid.h>
 #include <overlays/VxOverlayLayout.h>
+#include <overlays/VxTextHelper.h>
 
 // gapeditor
 #include <gapeditor/Enumerationofpng.h>
