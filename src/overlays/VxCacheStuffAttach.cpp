@@ -3,6 +3,7 @@
 // as seen) so that labels fan out around the arch instead of crossing it.
 #include <overlays/VxCacheStuff.h>
 
+#include <aux/VxAuxBillBoard3d.h>
 #include <aux/VxAuxRender.h>
 #include <frame/VxOpenGLRender.h>
 #include <frame/VxRenderStatus.h>
@@ -14,6 +15,14 @@
 #include <overlays/VxTextHelper.h>
 
 namespace {
+
+// The leader and the plate's rim take the billboard's own label green, so that the pin reads as
+// one object pointing at its gap; the text stays black on the white plate.
+void PaintLeader(VxTextHelper* helper) {
+    if (VxAuxBillBoard3d* board = helper->GetBillBoard()) {
+        board->SetComponentsColor(board->GetColor(), board->GetColor(), VxColor(0, 0, 0));
+    }
+}
 
 void DropLabels(std::vector<VxTextHelper*>& labels) {
     for (VxTextHelper* label : labels) {
@@ -85,6 +94,7 @@ void VxCacheStuff::ShowAttachmentHelper(VxAttachment* attachment, VxPoint& centr
     helper->SetTextColor(VxColor(255, 0, 0, 100));
     helper->SetBackColor(VxColor(20, 254, 250, 100));
     helper->Show(p, labelPos, text);
+    PaintLeader(helper);
     helper->SetVisible(tooth->IsVisible() ? 1 : 0);
     m_attachLabels.push_back(helper);
 }

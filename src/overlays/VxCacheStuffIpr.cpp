@@ -4,6 +4,7 @@
 // in the text; ShowIprLabel below does the rest once for all of them.
 #include <overlays/VxCacheStuff.h>
 
+#include <aux/VxAuxBillBoard3d.h>
 #include <aux/VxAuxRender.h>
 #include <frame/VxOpenGLRender.h>
 #include <frame/VxRenderStatus.h>
@@ -13,6 +14,14 @@
 #include <overlays/VxTextHelper.h>
 
 namespace {
+
+// The leader and the plate's rim take the billboard's own label green, so that the pin reads as
+// one object pointing at its gap; the text stays black on the white plate.
+void PaintLeader(VxTextHelper* helper) {
+    if (VxAuxBillBoard3d* board = helper->GetBillBoard()) {
+        board->SetComponentsColor(board->GetColor(), board->GetColor(), VxColor(0, 0, 0));
+    }
+}
 
 enum class IprLeader {
     Flat,   // 9 or 14 out from the reference, by the screen side of the reference
@@ -60,6 +69,7 @@ void ShowIprLabel(std::vector<VxTextHelper*>& labels, const IprLabel& l, IprLead
     } else {
         helper->Show(l.gap, labelPos, text);
     }
+    PaintLeader(helper);
     helper->SetVisible(l.first->IsVisible() && l.second->IsVisible() ? 1 : 0);
     labels.push_back(helper);
 }
