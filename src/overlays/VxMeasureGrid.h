@@ -2,8 +2,8 @@
 // for every pixel row and column of each view, once; a zoom only chooses which of them show (every
 // step-th, where a step is one cell in pixels), so refreshing allocates nothing and costs a pass
 // of flag writes. The bar, one cell long with a tick at each end and its caption ("1mm" or
-// "10mm"), stands near the right-hand edge of each view. The lines belong to the registry; the
-// grid hands them back to it, deleted, when it is destroyed.
+// "10mm"), stands some 80 pixels in from the top right corner of each view. The lines belong to
+// the registry; the grid hands them back to it, deleted, when it is destroyed.
 #pragma once
 
 #include <interfaces/VxColor.h>
