@@ -216,6 +216,19 @@ const std::vector<Option>& Options() {
              o.auxDemo = true;
              return std::string();
          }},
+        {"--overlay", nullptr, true,
+         [](const std::string& v, VxCliOptions& o) {
+             std::stringstream ss(v);
+             std::string item;
+             while (std::getline(ss, item, ',')) {
+                 item = Trim(item);
+                 if (item.empty()) {
+                     return "expected NAME[,NAME...]; got '" + v + "'";
+                 }
+                 o.overlays.push_back(item);
+             }
+             return v.empty() ? "expected NAME[,NAME...]" : std::string();
+         }},
         {"--no-axis", nullptr, false,
          [](const std::string&, VxCliOptions& o) {
              o.noAxis = true;
@@ -416,6 +429,12 @@ std::string VxCliHelpText() {
          "      --aux-demo         draw a sample of every aux object over the patient (sphere,\n"
          "                         box, arrows, polyline, curve, pipe, planes, circle, torus,\n"
          "                         face patch, labels, pin labels)\n"
+         "      --overlay NAME,... clinical overlays over the patient (may repeat):\n"
+         "                           ipr          IPR labels of the plan (\" step(gap mm)\")\n"
+         "                           collision    contacts across the jaws coloured by depth\n"
+         "                                        (blue 0, green 0.5, red 1 mm) and values\n"
+         "                           attachments  \" first(last)\" step of each attachment\n"
+         "                           grid         millimetre grid and 1mm/10mm scale bar\n"
          "      --no-axis          leave out the small axis cross drawn in the lower-right\n"
          "                         corner of every view\n"
          "  -q, --quiet            do not list the pictures written\n"
@@ -427,6 +446,7 @@ std::string VxCliHelpText() {
          "  vxrender --layout five -o out/\n"
          "  vxrender cases/patient1 --layout compare --size 1600x900 -o compare.png\n"
          "  vxrender --step all --jaws upper -o frames/\n"
-         "  vxrender --editor-sample -o editor.png\n";
+         "  vxrender --editor-sample -o editor.png\n"
+         "  vxrender --overlay ipr,collision,attachments,grid -o overlays.png\n";
     return h.str();
 }

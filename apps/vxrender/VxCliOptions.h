@@ -45,6 +45,8 @@ struct VxCliOptions {
     bool editorSample = false;
     bool auxDemo = false; // draw the sample of aux objects over the patient
     bool noAxis = false;  // no axis cross in the views' corners
+    // Clinical overlays by name, in the order given (checked against the overlays when drawing).
+    std::vector<std::string> overlays;
 };
 
 struct VxCliParseResult {

@@ -9,6 +9,8 @@
 // Whether a step or tooth exists is known only once the case is read, so those values are
 // checked here, not by the parser.
 #include "VxCliRender.h"
+
+#include "VxAppOverlays2.h"
 #include "VxCliEditorSample.h"
 
 #include <VxCaseIO.h>
@@ -73,6 +75,13 @@ int VxCliRender(const VxCliOptions& options, std::string& error) {
         return 2;
     }
 
+    for (const std::string& name : options.overlays) {
+        if (!VxAppOverlays2::IsName(name)) {
+            error = "--overlay: unknown overlay '" + name +
+                    "' (choose ipr, collision, attachments, grid)";
+            return 2;
+        }
+    }
     std::unique_ptr<VxCase> c = VxAppLoadCase(options.caseDir, options.seed, error);
     if (!c) {
         return 1;
@@ -125,6 +134,12 @@ int VxCliRender(const VxCliOptions& options, std::string& error) {
     scene.SetDisplay(options.display);
     scene.SetLayout(options.layout);
     scene.SetJaws(options.jaws);
+    for (const std::string& name : options.overlays) {
+        if (!VxAppOverlays2::Set(scene, name, true, error)) {
+            error = "--overlay: " + error;
+            return 1;
+        }
+    }
 
     for (const auto& [x, y] : options.picks) {
         if (x >= options.width || y >= options.height) {
@@ -146,7 +161,12 @@ int VxCliRender(const VxCliOptions& options, std::string& error) {
     const bool several = steps.size() > 1;
     for (int step : steps) {
         scene.SetStep(step);
+        // Labels stand where the teeth of this step and layout put them; the grid takes the zoom.
+        VxAppOverlays2::Refresh(scene);
         scene.RenderFrame();
+        if (VxAppOverlays2::AfterFrame()) {
+            scene.RenderFrame();
+        }
         if (options.editorSample) {
             VxCliDrawEditorSample(options.width, options.height);
         }

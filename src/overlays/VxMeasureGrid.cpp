@@ -153,20 +153,20 @@ bool VxMeasureGrid::RefreshView(VxViewRegion* view, ViewGrid& grid, int H, int s
     const int ox = view->Origin().x;
     const int oy = view->Origin().y;
     const int w = view->Width();
-    const int h = view->Height();
     // Where no line falls near the mark the bar keeps to the view's corner rather than to a
     // stale or undefined place.
     int barX = ox;
-    int barY = H - (h + oy);
+    int barY = H - oy;
     for (size_t i = 0; i < grid.horizontal.size(); ++i) {
         VxAuxLine2D* line = grid.horizontal[i];
         line->SetVisible(0);
         if (i % static_cast<size_t>(step) == 0) {
             line->SetVisible(show);
             const int y = line->GetStartPoint().y;
-            // The bar's mark: 80 pixels down from the view's top (screen y counts from the
-            // window's top, the view's origin from its bottom).
-            if (step >= std::abs(y - (H - (h + oy) + 80))) {
+            // The bar's mark: 80 pixels up from the view's bottom (screen y counts from the
+            // window's top, the view's origin from its bottom). The bar goes a step above the
+            // line nearest to it, so that its caption fits below it.
+            if (step >= std::abs(y + oy - H + 80)) {
                 barY = y - step;
             }
         }

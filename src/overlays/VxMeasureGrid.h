@@ -2,8 +2,9 @@
 // for every pixel row and column of each view, once; a zoom only chooses which of them show (every
 // step-th, where a step is one cell in pixels), so refreshing allocates nothing and costs a pass
 // of flag writes. The bar, one cell long with a tick at each end and its caption ("1mm" or
-// "10mm"), stands some 80 pixels in from the top right corner of each view. The lines belong to
-// the registry; the grid hands them back to it, deleted, when it is destroyed.
+// "10mm"), stands a step or two in from the bottom right corner of each view, left of and above
+// the point 80 pixels in from it, ticks up and caption below. The lines belong to the registry; the
+// grid hands them back to it, deleted, when it is destroyed.
 #pragma once
 
 #include <interfaces/VxColor.h>
