@@ -227,7 +227,8 @@ const std::vector<Option>& Options() {
                  }
                  o.overlays.push_back(item);
              }
-             return v.empty() ? "expected NAME[,NAME...]" : std::string();
+             return v.empty() || v.back() == ',' ? "expected NAME[,NAME...]; got '" + v + "'"
+                                                 : std::string();
          }},
         {"--no-axis", nullptr, false,
          [](const std::string&, VxCliOptions& o) {

@@ -283,3 +283,16 @@ TEST(CliOptionsTest, OutputNames) {
     o.layout = VxAppLayout::Compare;
     EXPECT_EQ(VxCliOutputPath(o, 1, false, 1), dir + "/compare.png");
 }
+
+TEST(CliOptionsTest, OverlaysAreAListThatMayRepeat) {
+    const Parsed p = Parse({"--overlay", "ipr,collision", "--overlay=grid"});
+    ASSERT_TRUE(Runs(p));
+    EXPECT_EQ(p.options.overlays, (std::vector<std::string>{"ipr", "collision", "grid"}));
+    EXPECT_TRUE(Contains(ErrorOf({"--overlay", "ipr,,grid"}), "--overlay"));
+    EXPECT_TRUE(Contains(ErrorOf({"--overlay", "ipr,"}), "--overlay"));
+    EXPECT_TRUE(Contains(ErrorOf({"--overlay="}), "--overlay"));
+    const std::string help = VxCliHelpText();
+    for (const char* name : {"--overlay", "ipr", "collision", "attachments", "grid"}) {
+        EXPECT_TRUE(Contains(help, name)) << name;
+    }
+}
