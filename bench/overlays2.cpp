@@ -10,8 +10,9 @@
 //   BM_OverlayFrameBare         a one-view frame with an empty registry: the reference;
 //   BM_OverlayFrameGrid         the same with the grid shown (10 mm cells);
 //   BM_OverlayGridDelete        DeleteGrid, the registry's one-pass removal;
-//   BM_OverlayGridDeleteEach    the same lines removed one RemoveAuxObject at a time, as a grid
-//                               without the one-pass removal would: why that removal exists.
+//   BM_OverlayLinesRemoveEach   as many screen lines removed one RemoveAuxObject at a time, in
+//                               the grid's order, as a grid without the one-pass removal would;
+//   BM_OverlayLinesRemoveAll    the same lines removed in one pass (what DeleteGrid does).
 #include <GL/glew.h>
 
 #include <VxCase.h>
@@ -267,27 +268,57 @@ void BM_OverlayGridDelete(benchmark::State& state) {
 }
 BENCHMARK(BM_OverlayGridDelete)->Unit(benchmark::kMillisecond);
 
-void BM_OverlayGridDeleteEach(benchmark::State& state) {
+// Arg: how many windows' worth of lines (1: this window's grid, 4: a grid over a screen of
+// twice the width and height). Each form removes them in the grid's order: the rows, registered
+// after the columns, first.
+void GridLines(Scene& s, int windows, std::vector<VxAuxObject*>& order) {
+    std::vector<VxAuxObject*> columns;
+    std::vector<VxAuxObject*> rows;
+    for (int w = 0; w < windows; ++w) {
+        for (int i = 0; i < kW; ++i) {
+            columns.push_back(new VxAuxLine2D());
+            s.aux->AddAuxObject(columns.back());
+        }
+        for (int i = 0; i < kH; ++i) {
+            rows.push_back(new VxAuxLine2D());
+            s.aux->AddAuxObject(rows.back());
+        }
+    }
+    order = rows;
+    order.insert(order.end(), columns.begin(), columns.end());
+}
+
+void BM_OverlayLinesRemoveEach(benchmark::State& state) {
     Scene& s = GetScene();
     if (!Ready(state, s)) {
         return;
     }
-    SingleView(s);
     for (auto _ : state) {
         state.PauseTiming();
-        // As many screen lines as the grid of this window holds.
-        std::vector<VxAuxLine2D*> lines;
-        for (int i = 0; i < kW + kH + 3; ++i) {
-            lines.push_back(new VxAuxLine2D());
-            s.aux->AddAuxObject(lines.back());
-        }
+        std::vector<VxAuxObject*> order;
+        GridLines(s, int(state.range(0)), order);
         state.ResumeTiming();
-        for (VxAuxLine2D* line : lines) {
+        for (VxAuxObject* line : order) {
             s.aux->RemoveAuxObject(line, true);
         }
     }
 }
-BENCHMARK(BM_OverlayGridDeleteEach)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_OverlayLinesRemoveEach)->Arg(1)->Arg(4)->Unit(benchmark::kMillisecond);
+
+void BM_OverlayLinesRemoveAll(benchmark::State& state) {
+    Scene& s = GetScene();
+    if (!Ready(state, s)) {
+        return;
+    }
+    for (auto _ : state) {
+        state.PauseTiming();
+        std::vector<VxAuxObject*> order;
+        GridLines(s, int(state.range(0)), order);
+        state.ResumeTiming();
+        s.aux->RemoveAuxObjects(order, true);
+    }
+}
+BENCHMARK(BM_OverlayLinesRemoveAll)->Arg(1)->Arg(4)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
