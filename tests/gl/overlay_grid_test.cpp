@@ -22,11 +22,6 @@
 #include <memory>
 #include <vector>
 
-class VxCacheStuffProbe {
-public:
-    static VxMeasureGrid* Grid() { return VxCacheStuff::GetInstance()->m_measureGrid; }
-};
-
 namespace {
 
 constexpr int kW = 320;
@@ -34,6 +29,33 @@ constexpr int kH = 240;
 
 VxCacheStuff* Cache() {
     return VxCacheStuff::GetInstance();
+}
+
+// The grid of one view as the registry holds it: the columns, the rows, then the left tick, the
+// bar and the right tick; the caption is the registry's first text.
+struct Grid {
+    std::vector<VxAuxLine2D*> vertical;
+    std::vector<VxAuxLine2D*> horizontal;
+    VxAuxLine2D* leftTick = nullptr;
+    VxAuxLine2D* bar = nullptr;
+    VxAuxLine2D* rightTick = nullptr;
+    VxAuxText* text = nullptr;
+};
+
+Grid Lines(int w, int h) {
+    Grid g;
+    const std::vector<VxAuxObject*>& lines = VxAuxTestScene::Aux()->GetScreenLines();
+    if (lines.size() < size_t(w + h + 3) || VxAuxTestScene::Aux()->GetTexts().empty()) {
+        return g;
+    }
+    for (int i = 0; i < w + h; ++i) {
+        (i < w ? g.vertical : g.horizontal).push_back(static_cast<VxAuxLine2D*>(lines[i]));
+    }
+    g.leftTick = static_cast<VxAuxLine2D*>(lines[w + h]);
+    g.bar = static_cast<VxAuxLine2D*>(lines[w + h + 1]);
+    g.rightTick = static_cast<VxAuxLine2D*>(lines[w + h + 2]);
+    g.text = static_cast<VxAuxText*>(VxAuxTestScene::Aux()->GetTexts().front());
+    return g;
 }
 
 VxViewRegion* View() {
@@ -94,13 +116,16 @@ protected:
 TEST_F(OverlayGridTest, LinesEveryStepAndTheBarNearTheRightEdge) {
     ASSERT_NEAR(View()->GetpixelmodelRatio(), 4.4, 1e-6);
     Cache()->DrawGrid(1);
-    VxMeasureGrid* grid = VxCacheStuffProbe::Grid();
-    ASSERT_NE(grid, nullptr);
-    const VxMeasureGrid::ViewGrid& g = grid->GetViewGrids().at(View());
-    ASSERT_EQ(g.vertical.size(), size_t(kW));
-    ASSERT_EQ(g.horizontal.size(), size_t(kH));
-    // One line a pixel column and row, the caption, the bar and its two ticks.
-    EXPECT_EQ(VxAuxTestScene::Aux()->GetScreenLines().size(), size_t(kW + kH + 3));
+    // One line a pixel column and row, the bar and its two ticks, and the caption.
+    ASSERT_EQ(VxAuxTestScene::Aux()->GetScreenLines().size(), size_t(kW + kH + 3));
+    ASSERT_EQ(VxAuxTestScene::Aux()->GetTexts().size(), 1u);
+    const Grid g = Lines(kW, kH);
+    // Column j runs down the pixel column j + 1 over the whole view, row i along row i + 1.
+    EXPECT_EQ(g.vertical[7]->GetStartPoint().x, 8);
+    EXPECT_EQ(g.vertical[7]->GetStartPoint().y, -1);
+    EXPECT_EQ(g.vertical[7]->GetStopPoint().y, kH + 1);
+    EXPECT_EQ(g.horizontal[5]->GetStartPoint().y, 6);
+    EXPECT_EQ(g.horizontal[5]->GetStopPoint().x, kW - 1);
 
     const VxTestImage img = scene->FrameWithAux();
     VxAuxTestScene::Save(img, "overlay_grid_44");
@@ -149,7 +174,8 @@ TEST_F(OverlayGridTest, LinesEveryStepAndTheBarNearTheRightEdge) {
 
 TEST_F(OverlayGridTest, ZoomChangesOnlyWhichLinesShow) {
     Cache()->DrawGrid(1);
-    const VxMeasureGrid::ViewGrid& g = VxCacheStuffProbe::Grid()->GetViewGrids().at(View());
+    const Grid g = Lines(kW, kH);
+    ASSERT_NE(g.bar, nullptr);
     const std::vector<VxAuxObject*> before = VxAuxTestScene::Aux()->GetScreenLines();
     const auto lit = [&] {
         std::vector<int> on;
@@ -208,7 +234,6 @@ TEST_F(OverlayGridTest, DeleteHandsEverythingBackAndKeepsTheOthersInOrder) {
     aux->AddAuxObject(caption);
     ASSERT_EQ(aux->GetScreenLines().size(), size_t(kW + kH + 5));
     Cache()->DeleteGrid();
-    EXPECT_EQ(VxCacheStuffProbe::Grid(), nullptr);
     EXPECT_EQ(aux->GetScreenLines(), (std::vector<VxAuxObject*>{first, last}));
     EXPECT_EQ(aux->GetTexts(), (std::vector<VxAuxObject*>{caption}));
     Cache()->DeleteGrid(); // nothing left to delete

@@ -13,7 +13,6 @@
 #include <interfaces/VxStdAttach.h>
 #include <interfaces/VxTooth.h>
 #include <overlays/VxCacheStuff.h>
-#include <overlays/VxTextHelper.h>
 
 #include <gtest/gtest.h>
 
@@ -21,16 +20,6 @@
 #include <cstdlib>
 #include <memory>
 #include <vector>
-
-class VxCacheStuffProbe {
-public:
-    static const std::vector<VxTextHelper*>& Ipr() {
-        return VxCacheStuff::GetInstance()->m_iprLabels;
-    }
-    static const std::vector<VxTextHelper*>& Attach() {
-        return VxCacheStuff::GetInstance()->m_attachLabels;
-    }
-};
 
 namespace {
 
@@ -70,8 +59,17 @@ void ExpectAt(const VxPoint& actual, double x, double y, double z, const char* w
     EXPECT_NEAR(actual[2], z, 1e-6) << what;
 }
 
-std::wstring TextOf(const VxTextHelper* label) {
-    return label->GetBillBoard() != nullptr ? label->GetBillBoard()->GetText().Str() : L"";
+// The labels as a host sees them: the registry's pin labels, in the order they were shown.
+std::vector<VxAuxBillBoard3d*> Labels() {
+    std::vector<VxAuxBillBoard3d*> out;
+    for (VxAuxObject* o : VxAuxTestScene::Aux()->GetBillBoards()) {
+        out.push_back(static_cast<VxAuxBillBoard3d*>(o));
+    }
+    return out;
+}
+
+std::wstring TextOf(const VxAuxBillBoard3d* label) {
+    return label->GetText().Str();
 }
 
 class OverlayLabelsTest : public ::testing::Test {
@@ -115,7 +113,7 @@ TEST_F(OverlayLabelsTest, IprTextsOfTheShowForms) {
                                                            VxPoint(0, -5, 0));
     Cache()->ShowRemoveGlazeWithStartPoint(*a, *b, 9, 1.25, VxPoint(), ipr, VxPoint(0, -5, 0));
     Cache()->ShowRemoveGlazeWithStartPointwithMark(1357, VxPoint(), ipr, VxPoint(0, -5, 0));
-    const auto& labels = VxCacheStuffProbe::Ipr();
+    std::vector<VxAuxBillBoard3d*> labels = Labels();
     ASSERT_EQ(labels.size(), 7u);
     // The record's own form shows its step and its widest gap, not the amount removed.
     EXPECT_EQ(TextOf(labels[0]), L" 5(0.3)");
@@ -125,22 +123,19 @@ TEST_F(OverlayLabelsTest, IprTextsOfTheShowForms) {
     EXPECT_EQ(TextOf(labels[4]), L" 7(0.3)");
     EXPECT_EQ(TextOf(labels[5]), L" 9(1.2)");
     EXPECT_EQ(TextOf(labels[6]), L" 5(0.3)");
-    EXPECT_EQ(labels[4]->GetBillBoard()->GetMark(), 2468);
-    EXPECT_EQ(labels[6]->GetBillBoard()->GetMark(), 1357);
-    EXPECT_EQ(labels[1]->GetBillBoard()->GetMark(), 0);
-    // Every label is one billboard in the registry, drawn in the label green and kept colours.
-    EXPECT_EQ(VxAuxTestScene::Aux()->GetBillBoards().size(), 7u);
-    for (const VxTextHelper* l : labels) {
-        EXPECT_EQ(l->GetBillBoard()->GetColor(), VxColor(2, 187, 112, 255));
-        EXPECT_EQ(l->GetTextColor(), VxColor(255, 255, 0, 100));
-        EXPECT_EQ(l->GetBackColor(), VxColor(0, 0, 50, 100));
+    EXPECT_EQ(labels[4]->GetMark(), 2468);
+    EXPECT_EQ(labels[6]->GetMark(), 1357);
+    EXPECT_EQ(labels[1]->GetMark(), 0);
+    // Every label is drawn in the label green.
+    for (const VxAuxBillBoard3d* l : labels) {
+        EXPECT_EQ(l->GetColor(), VxColor(2, 187, 112, 255));
     }
 
     // A record without its pair has nothing to label.
     Cache()->ShowRemoveGlaze(VxIPR(), VxPoint(0, -5, 0));
     Cache()->ShowRemoveGlazeWithStartPoint(
         VxPoint(), VxIPR(a.get(), nullptr, 1, 0.1, 0.1, VxPoint()), VxPoint(0, -5, 0));
-    EXPECT_EQ(labels.size(), 7u);
+    EXPECT_EQ(Labels().size(), 7u);
 }
 
 TEST_F(OverlayLabelsTest, IprLeadersEndWhereTheGeometrySays) {
@@ -156,22 +151,22 @@ TEST_F(OverlayLabelsTest, IprLeadersEndWhereTheGeometrySays) {
     auto c = Tooth(11, VxPoint(), VxVector(1, 0, 0));
     auto d = Tooth(21, VxPoint(), VxVector(0, 1, 0));
     Cache()->ShowRemoveGlazeWithStartPoint(*c, *d, 3, 0.2, gap, VxIPR(), VxPoint(2, -7, 0));
-    const auto& labels = VxCacheStuffProbe::Ipr();
+    const std::vector<VxAuxBillBoard3d*> labels = Labels();
     ASSERT_EQ(labels.size(), 3u);
     // (3, 4)/5 out of the left reference: 9 * (0.6, 0.8).
-    ExpectAt(labels[0]->GetBillBoard()->GetTextPos(), 2 + 5.4, 1 + 7.2, 0, "reference left");
+    ExpectAt(labels[0]->GetTextPos(), 2 + 5.4, 1 + 7.2, 0, "reference left");
     // (-3, 4)/5 out of the right one: 14 * (-0.6, 0.8).
-    ExpectAt(labels[1]->GetBillBoard()->GetTextPos(), 2 - 8.4, 1 + 11.2, 0, "reference right");
+    ExpectAt(labels[1]->GetTextPos(), 2 - 8.4, 1 + 11.2, 0, "reference right");
     const double m = std::sqrt(0.5);
     double vx = 0.75 * m;
     double vy = 1.0 + 0.75 * m;
     const double len = std::hypot(vx, vy);
     vx *= 16.5 / len;
     vy *= 16.5 / len;
-    ExpectAt(labels[2]->GetBillBoard()->GetTextPos(), 2 + vx, 1 + vy, 0, "tilted");
+    ExpectAt(labels[2]->GetTextPos(), 2 + vx, 1 + vy, 0, "tilted");
     // A label left of its gap on the screen grows away from it to the left.
-    EXPECT_EQ(labels[1]->GetBillBoard()->GetAnchor(), AnchorPosition_Side);
-    EXPECT_EQ(labels[0]->GetBillBoard()->GetAnchor(), AnchorPosition_Below);
+    EXPECT_EQ(labels[1]->GetAnchor(), AnchorPosition_Side);
+    EXPECT_EQ(labels[0]->GetAnchor(), AnchorPosition_Below);
 
     // A frame with the labels puts green leaders and white plates on the screen.
     const VxTestImage img = scene->FrameWithAux();
@@ -199,36 +194,33 @@ TEST_F(OverlayLabelsTest, IprJawTogglesHidingAndClearing) {
     Cache()->ShowRemoveGlaze(VxIPR(l1.get(), l2.get(), 1, 0.1, 0.1, VxPoint()), ref);
     Cache()->ShowRemoveGlaze(VxIPR(u1.get(), u2.get(), 1, 0.1, 0.1, VxPoint()), ref); // again
     Cache()->ShowRemoveGlaze(VxIPR(u2.get(), hidden.get(), 1, 0.1, 0.1, VxPoint()), ref);
-    const auto& labels = VxCacheStuffProbe::Ipr();
+    const std::vector<VxAuxBillBoard3d*> labels = Labels();
     ASSERT_EQ(labels.size(), 4u) << "a second show of one pair is a second label";
-    EXPECT_EQ(VxAuxTestScene::Aux()->GetBillBoards().size(), 4u);
-    EXPECT_TRUE(labels[0]->IsUp());
-    EXPECT_FALSE(labels[1]->IsUp());
-    EXPECT_FALSE(labels[3]->GetBillBoard()->IsVisible()) << "a hidden tooth's label starts hidden";
+    EXPECT_FALSE(labels[3]->IsVisible()) << "a hidden tooth's label starts hidden";
 
     Cache()->UpdateRemoveGlazeInfo(true, 0);
-    EXPECT_FALSE(labels[0]->GetBillBoard()->IsVisible());
-    EXPECT_FALSE(labels[2]->GetBillBoard()->IsVisible());
-    EXPECT_TRUE(labels[1]->GetBillBoard()->IsVisible()) << "the lower jaw's label stays";
+    EXPECT_FALSE(labels[0]->IsVisible());
+    EXPECT_FALSE(labels[2]->IsVisible());
+    EXPECT_TRUE(labels[1]->IsVisible()) << "the lower jaw's label stays";
     Cache()->UpdateRemoveGlazeInfo(true, 1);
-    EXPECT_TRUE(labels[0]->GetBillBoard()->IsVisible());
-    EXPECT_TRUE(labels[3]->GetBillBoard()->IsVisible()) << "the toggle shows it like the others";
+    EXPECT_TRUE(labels[0]->IsVisible());
+    EXPECT_TRUE(labels[3]->IsVisible()) << "the toggle shows it like the others";
 
     // The shader path's names do nothing at all.
     Cache()->NuRenderUpdateRemoveGlazeInfo(true, 0);
     Cache()->NuRenderHideRemoveGlazeInfo();
     Cache()->NuRenderClearRemoveGlazeInfo();
-    EXPECT_EQ(labels.size(), 4u);
-    EXPECT_TRUE(labels[0]->GetBillBoard()->IsVisible());
+    EXPECT_EQ(Labels(), labels);
+    EXPECT_TRUE(labels[0]->IsVisible());
 
     scene->FrameWithAux();
     Cache()->HideRemoveGlazeInfo();
-    EXPECT_TRUE(labels.empty());
-    EXPECT_TRUE(VxAuxTestScene::Aux()->GetBillBoards().empty());
+    EXPECT_TRUE(Labels().empty());
+    Cache()->UpdateRemoveGlazeInfo(true, 1); // nothing left to reach
     Cache()->ShowRemoveGlaze(VxIPR(u1.get(), u2.get(), 1, 0.1, 0.1, VxPoint()), ref);
+    EXPECT_EQ(Labels().size(), 1u) << "a hide does not come back";
     Cache()->ClearRemoveGlazeInfo();
-    EXPECT_TRUE(labels.empty());
-    EXPECT_TRUE(VxAuxTestScene::Aux()->GetBillBoards().empty());
+    EXPECT_TRUE(Labels().empty());
     Cache()->ClearRemoveGlazeInfo(); // twice is harmless
 }
 
@@ -259,7 +251,7 @@ TEST_F(OverlayLabelsTest, AttachmentLabelDistancesBySideFamilyAndScreen) {
     // The centre stands left of every attachment on the screen: distances as they are.
     VxPoint centre(-20, 0, 0);
     Cache()->ShowAttachmentInfo(list, centre);
-    const auto& labels = VxCacheStuffProbe::Attach();
+    std::vector<VxAuxBillBoard3d*> labels = Labels();
     ASSERT_EQ(labels.size(), 5u);
     const double expected[] = {10, 5, 5, 10, 10};
     for (size_t i = 0; i < labels.size(); ++i) {
@@ -267,25 +259,24 @@ TEST_F(OverlayLabelsTest, AttachmentLabelDistancesBySideFamilyAndScreen) {
         VxVector v = p - centre;
         v.Normalize();
         const VxPoint want = p + v * expected[i];
-        VxPoint got = labels[i]->GetBillBoard()->GetTextPos();
+        VxPoint got = labels[i]->GetTextPos();
         if (p[1] > want[1]) {
             got[1] += 5.0; // a leader that falls hangs its plate 5 lower
         }
         ExpectAt(got, want[0], want[1], want[2], "centre left");
         EXPECT_EQ(TextOf(labels[i]), L" 2(9)");
-        EXPECT_TRUE(labels[i]->IsUp());
     }
     // The centre right of them doubles every distance; a second show replaces the first.
     centre = VxPoint(20, 0, 0);
     Cache()->ShowAttachmentInfo(list, centre);
-    ASSERT_EQ(labels.size(), 5u);
-    EXPECT_EQ(VxAuxTestScene::Aux()->GetBillBoards().size(), 5u);
+    labels = Labels();
+    ASSERT_EQ(labels.size(), 5u) << "the second show replaces the first";
     for (size_t i = 0; i < labels.size(); ++i) {
         const VxPoint p(0, i % 2 == 0 || i == 4 ? 2.0 : -2.0, 0);
         VxVector v = p - centre;
         v.Normalize();
         const VxPoint want = p + v * (2.0 * expected[i]);
-        VxPoint got = labels[i]->GetBillBoard()->GetTextPos();
+        VxPoint got = labels[i]->GetTextPos();
         if (p[1] > want[1]) {
             got[1] += 5.0;
         }
@@ -294,20 +285,20 @@ TEST_F(OverlayLabelsTest, AttachmentLabelDistancesBySideFamilyAndScreen) {
 
     // The jaw toggle, a hidden tooth, and labels with nothing to stand on.
     Cache()->UpdateAttachmentInfo(false, 0);
-    EXPECT_TRUE(labels[0]->GetBillBoard()->IsVisible()) << "upper labels are not lower ones";
+    EXPECT_TRUE(labels[0]->IsVisible()) << "upper labels are not lower ones";
     Cache()->UpdateAttachmentInfo(true, 0);
-    EXPECT_FALSE(labels[0]->GetBillBoard()->IsVisible());
+    EXPECT_FALSE(labels[0]->IsVisible());
     t21->SetVisible(0);
     VxAttachment orphan(nullptr, nullptr);
     VxAttachment shapeless(nullptr, t21.get());
     list = {&orphan, &shapeless, nullptr};
     Cache()->ShowAttachmentInfo(list, centre);
+    labels = Labels();
     ASSERT_EQ(labels.size(), 1u);
-    EXPECT_FALSE(labels[0]->GetBillBoard()->IsVisible());
+    EXPECT_FALSE(labels[0]->IsVisible());
     scene->FrameWithAux();
     Cache()->HideAttachmentInfo();
-    EXPECT_TRUE(labels.empty());
-    EXPECT_TRUE(VxAuxTestScene::Aux()->GetBillBoards().empty());
+    EXPECT_TRUE(Labels().empty());
 }
 
 } // namespace
