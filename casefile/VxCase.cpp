@@ -69,6 +69,7 @@ void VxCase::Swap(VxCase& other) {
     lowerJawRef.swap(other.lowerJawRef);
     movementDiffs.swap(other.movementDiffs);
     gapInfos.swap(other.gapInfos);
+    anchorGrids.swap(other.anchorGrids);
     std::swap(patientInfo, other.patientInfo);
     std::swap(panMeasure, other.panMeasure);
     std::swap(cepMeasure, other.cepMeasure);
@@ -100,8 +101,9 @@ bool VxCase::IsEmpty() const {
            scheme.GetUpArch() == nullptr && scheme.GetLowArch() == nullptr &&
            scheme.GetUpOccPlane() == nullptr && scheme.GetLowOccPlane() == nullptr &&
            scheme.GetIPRInfo().empty() && toothRefs.empty() && !upperJawRef && !lowerJawRef &&
-           movementDiffs.empty() && gapInfos.empty() && patientInfo.GetPanoramicImg() == nullptr &&
-           patientInfo.GetProfileImg() == nullptr && patientInfo.GetFrontalSmileImg() == nullptr &&
+           movementDiffs.empty() && gapInfos.empty() && anchorGrids.empty() &&
+           patientInfo.GetPanoramicImg() == nullptr && patientInfo.GetProfileImg() == nullptr &&
+           patientInfo.GetFrontalSmileImg() == nullptr &&
            patientInfo.GetCephalometricImg() == nullptr && panMeasure.GetBrightPos() == 0 &&
            panMeasure.GetContrastPos() == 0 && !panMeasure.HasData() &&
            cepMeasure.GetBrightPos() == 0 && cepMeasure.GetContrastPos() == 0 &&

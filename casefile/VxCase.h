@@ -24,6 +24,7 @@
 #include <interfaces/VxStdAttach.h>
 #include <interfaces/VxTooth.h>
 #include <interfaces/VxToothRef.h>
+#include <overlays/VxAttachAnchorGrid.h>
 
 #include <map>
 #include <memory>
@@ -65,6 +66,9 @@ public:
     std::optional<VxJawRef> lowerJawRef;
     std::map<int, ThreeMovementDiff_s> movementDiffs;
     std::vector<VxGapInfo> gapInfos;
+    // Candidate attachment points on each tooth, by FDI number. The host hands them to the
+    // overlay cache (VxCaseOverlays does); case files do not carry them.
+    std::map<int, VxAttachAnchorGrid> anchorGrids;
 
     // Patient pictures and measures.
     VxPatientInfo patientInfo;

@@ -46,6 +46,7 @@ void BuildSkull(VxSynthContext& ctx);
 void BuildAttachmentsAndWedges(VxSynthContext& ctx);
 void BuildGapInfos(VxSynthContext& ctx);
 void BuildReferences(VxSynthContext& ctx);
+void BuildAnchorGrids(VxSynthContext& ctx);
 void BuildImagesAndMeasures(VxSynthContext& ctx, VxSyntheticRandom& rng);
 // Rounds to float precision, so a case survives a round trip through 32-bit
 // mesh files.

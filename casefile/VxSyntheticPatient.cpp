@@ -63,6 +63,7 @@ std::unique_ptr<VxCase> VxSyntheticPatient::Generate(uint32_t seed, const Option
         vx_synthetic::BuildGapInfos(ctx);
     }
     vx_synthetic::BuildReferences(ctx);
+    vx_synthetic::BuildAnchorGrids(ctx);
     vx_synthetic::BuildImagesAndMeasures(ctx, imageRng);
     c->BuildModel();
     return c;

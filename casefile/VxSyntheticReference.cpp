@@ -12,6 +12,7 @@
 #include <interfaces/VxBSplineCurve.h>
 #include <interfaces/VxTreatStep.h>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -157,6 +158,9 @@ void BuildReferences(VxSynthContext& ctx) {
         if ((g.facialAxis.size() - 1) % 3 != 0) {
             vtx.push_back(tooth->GetVertex(g.facialAxis.back()));
         }
+        // The Facc curve runs from the incisal edge towards the gum: the tooth number's card reads
+        // up along it.
+        std::reverse(vtx.begin(), vtx.end());
         for (VxVertex* v : vtx) {
             pts.push_back(v->GetPos());
         }

@@ -13,6 +13,7 @@
 #include <mesh/VxFixedMaterial.h>
 #include <mesh/VxMaterialIni.h>
 #include <mesh/VxVBOHandleMgr.h>
+#include <aux/VxAuxObject.h>
 #include <overlays/VxCacheStuff.h>
 #include <shader/NuRenderMaterial.h>
 #include <shader/NuViewTransforms.h>
@@ -160,8 +161,9 @@ void NuToothDrawer::DrawObject(VxTooth* tooth, const VxPlacement& placement) {
         // A queued tooth's own overlay objects go out with the batch; this one's go here.
         std::vector<VxAuxObject*> stuff;
         VxCacheStuff::GetInstance()->GetDisplayStuffByTooth(tooth, stuff);
-        // Each object's Draw() runs here once the aux object base exists:
-        //   for (VxAuxObject* object : stuff) object->Draw();
+        for (VxAuxObject* object : stuff) {
+            object->Draw();
+        }
     }
     VxFixedDrawSteps::PopPlacement(placement);
 }

@@ -11,6 +11,7 @@
 #include <mesh/VxFixedMaterial.h>
 #include <mesh/VxMaterialIni.h>
 #include <mesh/VxVBOHandleMgr.h>
+#include <aux/VxAuxObject.h>
 #include <overlays/VxCacheStuff.h>
 
 #include <optional>
@@ -112,8 +113,9 @@ void VxToothDrawer::DrawOne(VxTooth* tooth, const VxPlacement& placement) {
     // Inside the placement, so that labels and marks move with the tooth.
     std::vector<VxAuxObject*> stuff;
     VxCacheStuff::GetInstance()->GetDisplayStuffByTooth(tooth, stuff);
-    // Each object's Draw() runs here once the aux object base exists:
-    //   for (VxAuxObject* object : stuff) object->Draw();
+    for (VxAuxObject* object : stuff) {
+        object->Draw();
+    }
     VxFixedDrawSteps::PopPlacement(placement);
 }
 

@@ -16,6 +16,7 @@
 #include <interfaces/VxMatrix.h>
 #include <interfaces/VxMesh.h>
 #include <interfaces/VxTooth.h>
+#include <aux/VxAuxObject.h>
 #include <overlays/VxCacheStuff.h>
 #include <shader/NuVertexDataBuilder.h>
 #include <shader/NuViewTransforms.h>
@@ -398,8 +399,9 @@ void RenderV1::DrawGraphicObjects() {
         if (auto* tooth = dynamic_cast<VxTooth*>(item.entity)) {
             VxCacheStuff::GetInstance()->GetDisplayStuffByTooth(tooth, stuff);
         }
-        // Each object's Draw() runs here once the aux object base exists:
-        //   for (VxAuxObject* object : stuff) object->Draw();
+        for (VxAuxObject* object : stuff) {
+            object->Draw();
+        }
         if (item.xform != nullptr) {
             glMatrixMode(GL_MODELVIEW);
             glPopMatrix();
