@@ -102,6 +102,13 @@ TEST_F(OverlayLabelsTest, IprTextsOfTheShowForms) {
     auto a = Tooth(11);
     auto b = Tooth(21);
     const VxIPR ipr(a.get(), b.get(), 5, 0.2, 0.3, VxPoint(0, 0, 0));
+    // Showing builds glyph lists and maps points to the screen; it leaves the GL state alone.
+    GLint attribs = -1;
+    GLint matrices = -1;
+    GLint list = -1;
+    glGetIntegerv(GL_ATTRIB_STACK_DEPTH, &attribs);
+    glGetIntegerv(GL_MODELVIEW_STACK_DEPTH, &matrices);
+    glGetIntegerv(GL_LIST_INDEX, &list);
     Cache()->ShowRemoveGlaze(ipr, VxPoint(0, -5, 0));
     Cache()->NuRenderShowRemoveGlazeWithStartPoint(*a, *b, 7, 0.3, VxPoint(), ipr,
                                                    VxPoint(0, -5, 0));
@@ -113,6 +120,14 @@ TEST_F(OverlayLabelsTest, IprTextsOfTheShowForms) {
                                                            VxPoint(0, -5, 0));
     Cache()->ShowRemoveGlazeWithStartPoint(*a, *b, 9, 1.25, VxPoint(), ipr, VxPoint(0, -5, 0));
     Cache()->ShowRemoveGlazeWithStartPointwithMark(1357, VxPoint(), ipr, VxPoint(0, -5, 0));
+    GLint value = -1;
+    glGetIntegerv(GL_ATTRIB_STACK_DEPTH, &value);
+    EXPECT_EQ(value, attribs);
+    glGetIntegerv(GL_MODELVIEW_STACK_DEPTH, &value);
+    EXPECT_EQ(value, matrices);
+    glGetIntegerv(GL_LIST_INDEX, &value);
+    EXPECT_EQ(value, list) << "no display list left open";
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
     std::vector<VxAuxBillBoard3d*> labels = Labels();
     ASSERT_EQ(labels.size(), 7u);
     // The record's own form shows its step and its widest gap, not the amount removed.
