@@ -183,6 +183,7 @@
 #include <overlays/VxAttachAnchorGrid.h>
 #include <overlays/VxCacheStuff.h>
 #include <overlays/VxMeasureGrid.h>
+#include <overlays/VxOverlayLayout.h>
 #include <overlays/VxTextHelper.h>
 
 // gapeditor

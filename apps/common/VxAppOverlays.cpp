@@ -1,5 +1,6 @@
 // VxAppOverlays: the overlay table and the programs' shown set.
 #include "../common/VxAppOverlays.h"
+#include "VxAppOverlays2.h"
 
 #include <VxCase.h>
 #include <VxCaseOverlays.h>
@@ -123,6 +124,9 @@ std::string VxAppOverlays::NameList() {
     for (const VxAppOverlay& o : Table()) {
         out += (out.empty() ? "" : ", ") + std::string(o.name);
     }
+    for (const std::string& name : VxAppOverlays2::Names()) {
+        out += ", " + name;
+    }
     return out;
 }
 
@@ -142,7 +146,10 @@ bool VxAppOverlays::Parse(const std::string& list, std::vector<std::string>& nam
             for (const VxAppOverlay& o : Table()) {
                 add(o.name);
             }
-        } else if (Find(name) != nullptr) {
+            for (const std::string& n : VxAppOverlays2::Names()) {
+                add(n);
+            }
+        } else if (Find(name) != nullptr || VxAppOverlays2::IsName(name)) {
             add(name);
         } else {
             error = name.empty()

@@ -24,7 +24,8 @@ class VxAppOverlays {
 public:
     static const std::vector<VxAppOverlay>& Table();
     static const VxAppOverlay* Find(const std::string& name);
-    // "numbers,marks" or "all" into names (appended, without repeats); false with `error` set
+    // "numbers,marks" or "all" into names (the cache's labels, contacts and grid of
+    // VxAppOverlays2 included) (appended, without repeats); false with `error` set
     // for an empty or unknown name.
     static bool Parse(const std::string& list, std::vector<std::string>& names, std::string& error);
     // "numbers, marks, facc, ..." for help texts.

@@ -451,7 +451,12 @@ std::string VxCliHelpText() {
          "      --overlay NAME,... show clinical overlays (may repeat; 'all' for every one):\n"
          "                         numbers, marks, facc, refs, keypoint, archwire, midplane,\n"
          "                         backplane, beauty, upplane, lowplane, upline, lowline,\n"
-         "                         xray, front, profile, panoramic\n"
+         "                         xray, front, profile, panoramic, and\n"
+         "                           ipr          IPR labels of the plan (\" step(gap mm)\")\n"
+         "                           collision    contacts across the jaws coloured by depth\n"
+         "                                        (blue 0, green 0.5, red 1 mm) and values\n"
+         "                           attachments  \" first(last)\" step of each attachment\n"
+         "                           grid         millimetre grid and 1mm/10mm scale bar\n"
          "      --no-axis          leave out the small axis cross drawn in the lower-right\n"
          "                         corner of every view\n"
          "  -q, --quiet            do not list the pictures written\n"
@@ -464,6 +469,7 @@ std::string VxCliHelpText() {
          "  vxrender cases/patient1 --layout compare --size 1600x900 -o compare.png\n"
          "  vxrender --step all --jaws upper -o frames/\n"
          "  vxrender --editor -o editor.png\n"
-         "  vxrender --overlay numbers,marks,facc --step last -o plan.png\n";
+         "  vxrender --overlay numbers,marks,facc --step last -o plan.png\n"
+         "  vxrender --overlay ipr,collision,attachments,grid -o overlays.png\n";
     return h.str();
 }

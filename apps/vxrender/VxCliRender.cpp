@@ -11,6 +11,7 @@
 #include "VxCliRender.h"
 #include "VxAppEditor.h"
 #include "VxAppOverlays.h"
+#include "VxAppOverlays2.h"
 
 #include <VxCaseIO.h>
 
@@ -75,6 +76,13 @@ int VxCliRender(const VxCliOptions& options, std::string& error) {
         return 2;
     }
 
+    for (const std::string& name : options.overlays) {
+        if (!VxAppOverlays2::IsName(name)) {
+            error = "--overlay: unknown overlay '" + name +
+                    "' (choose ipr, collision, attachments, grid)";
+            return 2;
+        }
+    }
     std::unique_ptr<VxCase> c = VxAppLoadCase(options.caseDir, options.seed, error);
     if (!c) {
         return 1;
@@ -143,7 +151,12 @@ int VxCliRender(const VxCliOptions& options, std::string& error) {
         return 1;
     }
     for (const std::string& name : options.overlays) {
-        VxAppOverlays::Show(name, true);
+        // The cache's labels, contacts and grid are placed by their own host code.
+        if (VxAppOverlays2::IsName(name) ? !VxAppOverlays2::Set(scene, name, true, error)
+                                         : !VxAppOverlays::Show(name, true)) {
+            error = "--overlay " + name + ": " + error;
+            return 1;
+        }
     }
 
     for (const auto& [x, y] : options.picks) {
@@ -167,7 +180,12 @@ int VxCliRender(const VxCliOptions& options, std::string& error) {
     VxAppEditor editor;
     for (int step : steps) {
         scene.SetStep(step);
+        // Labels stand where the teeth of this step and layout put them; the grid takes the zoom.
+        VxAppOverlays2::Refresh(scene);
         scene.RenderFrame();
+        if (VxAppOverlays2::AfterFrame()) {
+            scene.RenderFrame();
+        }
         if (options.editor) {
             // The records are placed from the frame's matrices, then drawn with the next frame.
             editor.Start(&c->model);

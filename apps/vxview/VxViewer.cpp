@@ -11,6 +11,7 @@
 #include "VxViewer.h"
 
 #include "VxViewerOverlays.h"
+#include "VxAppOverlays2.h"
 
 #include "VxAppCase.h"
 #include "VxArcball.h"
@@ -94,6 +95,8 @@ std::string VxViewer::KeyHelp() {
            "  O                axis cross in the views' corners on/off\n"
            "  I                picture overlay: none, front, profile, xray, panoramic (with\n"
            "                   its landmark markers), in turn\n"
+           "  F10 F11 F12      IPR labels, collision map, attachment labels on/off\n"
+           "  G                millimetre grid with its 1mm / 10mm scale bar on/off\n"
            "  C                save a snapshot (vxview_snapshot_NNN.png in the working folder)\n"
            "  R                reset the view\n"
            "  E                gap editor on/off (one view, shader path): hover the cards,\n"
@@ -126,6 +129,9 @@ void VxViewer::PrintState(const std::string& what) const {
 
 void VxViewer::Redraw() {
     m_scene.RenderFrame();
+    if (VxAppOverlays2::AfterFrame()) {
+        m_scene.RenderFrame(); // the grid followed a zoom
+    }
     m_scene.Present();
     m_dirty = false;
 }
@@ -256,7 +262,23 @@ void VxViewer::OnKey(int key, int action, int /*mods*/) {
         m_pickKind = static_cast<VxAppScene::PickKind>((static_cast<int>(m_pickKind) + 1) % 3);
         PrintState(std::string("a click picks ") + PickKindName(m_pickKind));
         return;
+    case GLFW_KEY_F10:
+    case GLFW_KEY_F11:
+    case GLFW_KEY_F12:
+    case GLFW_KEY_G: {
+        const char* name = key == GLFW_KEY_F10   ? "ipr"
+                           : key == GLFW_KEY_F11 ? "collision"
+                           : key == GLFW_KEY_F12 ? "attachments"
+                                                 : "grid";
+        std::string error;
+        const bool ok = VxAppOverlays2::Toggle(m_scene, name, error);
+        PrintState(ok ? std::string(name) + (VxAppOverlays2::IsOn(name) ? ": on" : ": off")
+                      : error);
+        m_dirty = true;
+        return;
+    }
     case GLFW_KEY_A: {
+        VxAppOverlays2::RemoveAll(); // the sample clears the registry the overlays live in
         std::string error;
         if (m_scene.SetAuxDemo(!m_scene.IsAuxDemo(), error)) {
             PrintState(m_scene.IsAuxDemo() ? "aux sample: on" : "aux sample: off");
@@ -305,6 +327,8 @@ void VxViewer::OnKey(int key, int action, int /*mods*/) {
         }
         return;
     }
+    // Labels stand where the step, layout and jaws of now put them.
+    VxAppOverlays2::Refresh(m_scene);
     m_dirty = true;
 }
 

@@ -137,9 +137,14 @@ void VxAuxFace::DrawCore(const VxMatrix* placement) {
         return it != m_vertexColors.end() ? it->second : VxColor();
     };
     glPushAttrib(GL_CURRENT_BIT | GL_LIGHTING_BIT | GL_DEPTH_BUFFER_BIT | GL_ENABLE_BIT |
-                 GL_COLOR_BUFFER_BIT);
+                 GL_COLOR_BUFFER_BIT | GL_POLYGON_BIT);
     glDisable(GL_LIGHTING);
     glEnable(GL_DEPTH_TEST);
+    glDepthFunc(GL_LEQUAL);
+    // The patch lies exactly on the mesh it colours; pulled a little towards the eye it wins
+    // every depth test instead of half of them (a speckle of tooth through the map).
+    glEnable(GL_POLYGON_OFFSET_FILL);
+    glPolygonOffset(-1.0f, -2.0f);
     if (m_transparent) {
         glEnable(GL_BLEND);
         glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <unordered_set>
 
 bool AuxObjectCompare::operator()(const VxAuxObject* a, const VxAuxObject* b) const {
     const int pa = a->GetHitPriority();
@@ -86,6 +87,39 @@ void VxAuxRender::RemoveAuxObject(VxAuxObject* object, bool deleteObject) {
     }
     if (deleteObject) {
         delete object;
+    }
+}
+
+void VxAuxRender::RemoveAuxObjects(const std::vector<VxAuxObject*>& objects, bool deleteObject) {
+    std::unordered_set<VxAuxObject*> wanted(objects.begin(), objects.end());
+    wanted.erase(nullptr);
+    if (wanted.empty()) {
+        return;
+    }
+    std::unordered_set<VxAuxObject*> found;
+    for (std::vector<VxAuxObject*>* v : {&m_textures, &m_billboards, &m_screenLines, &m_texts}) {
+        v->erase(std::remove_if(v->begin(), v->end(),
+                                [&](VxAuxObject* o) {
+                                    if (wanted.count(o) == 0) {
+                                        return false;
+                                    }
+                                    found.insert(o);
+                                    return true;
+                                }),
+                 v->end());
+    }
+    for (VxAuxObject* o : wanted) {
+        if (found.count(o) == 0 && VectorFor(o) == nullptr && m_objects.erase(o) != 0) {
+            found.insert(o);
+        }
+    }
+    if (m_hitObject != nullptr && found.count(m_hitObject) != 0) {
+        m_hitObject = nullptr;
+    }
+    if (deleteObject) {
+        for (VxAuxObject* o : found) {
+            delete o;
+        }
     }
 }
 

@@ -35,6 +35,9 @@ public:
     // Unregisters; deletes when `deleteObject`. An object that is not registered is neither
     // deleted nor does it change the hit object.
     void RemoveAuxObject(VxAuxObject* object, bool deleteObject);
+    // The same for many objects at once: one pass over each list, the rest keeping their order.
+    // What thousands of single removals would cost grows with the square of the count.
+    void RemoveAuxObjects(const std::vector<VxAuxObject*>& objects, bool deleteObject);
     // Deletes everything registered and forgets the hit object.
     void Clear();
 

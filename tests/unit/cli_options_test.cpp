@@ -3,8 +3,6 @@
 // independent list of the options, and the names of the pictures a run writes.
 // The parser is a plain source of the program; it is compiled into this test rather than linked.
 #include "../../apps/vxrender/VxCliOptions.cpp"
-// The overlay names --overlay checks against.
-#include "../../apps/common/VxAppOverlays.cpp"
 
 #include "VxTestPaths.h"
 
@@ -326,9 +324,10 @@ TEST(CliOptionsTest, OverlaysByNameListOrAllAndAnUnknownNameIsOneError) {
     EXPECT_EQ(p.options.overlays, (std::vector<std::string>{"numbers", "marks", "facc"}));
     p = Parse({"--overlay", "all"});
     ASSERT_TRUE(Runs(p));
-    ASSERT_EQ(p.options.overlays.size(), 17u);
+    ASSERT_EQ(p.options.overlays.size(), 21u);
     EXPECT_EQ(p.options.overlays.front(), "numbers");
-    EXPECT_EQ(p.options.overlays.back(), "panoramic");
+    EXPECT_EQ(p.options.overlays[16], "panoramic");
+    EXPECT_EQ(p.options.overlays.back(), "grid");
     for (const std::string& name : p.options.overlays) {
         EXPECT_TRUE(Contains(VxCliHelpText(), name)) << name << " is named in --help";
     }
@@ -337,4 +336,14 @@ TEST(CliOptionsTest, OverlaysByNameListOrAllAndAnUnknownNameIsOneError) {
     EXPECT_TRUE(Contains(error, "'teeth'")) << error;
     EXPECT_TRUE(Contains(error, "panoramic")) << error << " lists the known names";
     EXPECT_FALSE(Contains(ErrorOf({"--overlay", "numbers,,marks"}), "'numbers'"));
+    // The cache's labels, contacts and grid share the option and the list.
+    p = Parse({"--overlay", "ipr,collision", "--overlay=grid,numbers"});
+    ASSERT_TRUE(Runs(p));
+    EXPECT_EQ(p.options.overlays,
+              (std::vector<std::string>{"ipr", "collision", "grid", "numbers"}));
+    EXPECT_TRUE(Contains(ErrorOf({"--overlay", "ipr,"}), "--overlay"));
+    EXPECT_TRUE(Contains(ErrorOf({"--overlay="}), "--overlay"));
+    for (const char* name : {"ipr", "collision", "attachments", "grid"}) {
+        EXPECT_TRUE(Contains(VxCliHelpText(), name)) << name;
+    }
 }
