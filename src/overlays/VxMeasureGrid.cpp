@@ -153,20 +153,24 @@ bool VxMeasureGrid::RefreshView(VxViewRegion* view, ViewGrid& grid, int H, int s
     const int ox = view->Origin().x;
     const int oy = view->Origin().y;
     const int w = view->Width();
-    // Where no line falls near the mark the bar keeps to the view's corner rather than to a
+    const int h = view->Height();
+    // Screen y counts from the window's top, the view's origin from its bottom: this is the
+    // view's top row on screen.
+    const int top = H - (h + oy);
+    // Where no line falls near the mark the bar keeps to the mark itself rather than to a
     // stale or undefined place.
-    int barX = ox;
-    int barY = H - oy;
+    int barX = ox + w - 80;
+    int barY = top + 80;
     for (size_t i = 0; i < grid.horizontal.size(); ++i) {
         VxAuxLine2D* line = grid.horizontal[i];
         line->SetVisible(0);
         if (i % static_cast<size_t>(step) == 0) {
             line->SetVisible(show);
             const int y = line->GetStartPoint().y;
-            // The bar's mark: 80 pixels up from the view's bottom (screen y counts from the
-            // window's top, the view's origin from its bottom). The bar goes a step above the
-            // line nearest to it, so that its caption fits below it.
-            if (step >= std::abs(y + oy - H + 80)) {
+            // The bar's mark: 80 pixels down from the view's top, where the scale is read
+            // beside the axis cross's opposite corner and clear of the teeth. The bar goes a
+            // step above the line nearest to it, so that its caption fits below it.
+            if (step >= std::abs(y - top - 80)) {
                 barY = y - step;
             }
         }

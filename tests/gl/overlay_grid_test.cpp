@@ -142,18 +142,18 @@ TEST_F(OverlayGridTest, LinesEveryStepAndTheBarNearTheRightEdge) {
     }
     EXPECT_EQ(ShadeRow(img, 22, 1 + 22), 255);
 
-    // The bar: one step long near the bottom right corner, and its caption under it.
+    // The bar: one step long near the top right corner, and its caption under it.
     const CPoint a = g.bar->GetStartPoint();
     const CPoint b = g.bar->GetStopPoint();
     EXPECT_EQ(b.x - a.x, 44);
     EXPECT_EQ(a.y, b.y);
-    // A step or two in from the right and up from the bottom: the mark is 80 pixels in from
-    // the bottom right corner, and the bar stands a step before the lines nearest to it.
+    // A step or two in from the right and down from the top: the mark is 80 pixels in from
+    // the top right corner, and the bar stands a step before the lines nearest to it.
     // Here: columns 220 and 264 (x 221, 265) lie within a step of x 240, the last counts:
-    // the bar starts at 265 - 88. Rows 132 and 176 (y 133, 177) lie within a step of y 160:
-    // the bar runs at 177 - 44.
+    // the bar starts at 265 - 88. Rows 44 and 88 (y 45, 89) lie within a step of y 80:
+    // the bar runs at 89 - 44.
     EXPECT_EQ(a.x, 177);
-    EXPECT_EQ(a.y, 133);
+    EXPECT_EQ(a.y, 45);
     EXPECT_EQ(g.leftTick->GetStartPoint().x, a.x);
     EXPECT_EQ(g.leftTick->GetStopPoint().y, a.y - 5);
     EXPECT_EQ(g.rightTick->GetStartPoint().x, b.x);
