@@ -4,8 +4,10 @@
 #include "VxCase.h"
 
 #include <interfaces/CImage.h>
+#include <interfaces/VxPictureLayout.h>
 #include <overlays/VxCacheStuff.h>
 
+#include <cstring>
 #include <memory>
 
 VxCaseOverlays::~VxCaseOverlays() {
@@ -18,23 +20,20 @@ bool VxCaseOverlays::ToDisplayLayout(const CImage& source, CImage& target) {
     if (source.IsNull()) {
         return false;
     }
+    if (source.GetBPP() != 24) {
+        return VxPictureLayout::ToOverlayLayout(source, target);
+    }
     const int w = source.GetWidth();
     const int h = source.GetHeight();
-    const int bytes = source.GetBPP() / 8;
     if (!target.IsNull()) {
         target.Destroy();
     }
-    if (bytes < 1 || !target.Create(w, h, 24)) {
+    if (!target.Create(w, h, 24)) {
         return false;
     }
     for (int j = 0; j < h; ++j) {
-        for (int i = 0; i < w; ++i) {
-            const auto* s = static_cast<const unsigned char*>(source.GetPixelAddress(i, j));
-            auto* t = static_cast<unsigned char*>(target.GetPixelAddress(i, h - 1 - j));
-            t[0] = bytes == 1 ? s[0] : s[2];
-            t[1] = bytes == 1 ? s[0] : s[1];
-            t[2] = s[0];
-        }
+        std::memcpy(target.GetPixelAddress(0, j), source.GetPixelAddress(0, j),
+                    static_cast<std::size_t>(w) * 3);
     }
     return true;
 }

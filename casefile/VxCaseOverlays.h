@@ -29,8 +29,11 @@ public:
     // The model the cache reads: the case's entities and measures, the display pictures.
     VxModel& Model() { return m_model; }
 
-    // A copy turned upside down with the first and third bytes swapped, 24 bits; grey pictures
-    // are spread to three bytes. False for a null picture.
+    // A copy for the cache. The case reader and the synthetic patient already hold their
+    // pictures in the overlay layout (VxPictureLayout), so a 24-bit picture is copied as it
+    // stands; turning it again would show it upside down in swapped colours. A picture of
+    // another depth has not been through the reader and is brought into the layout. False for
+    // a null picture.
     static bool ToDisplayLayout(const CImage& source, CImage& target);
 
 private:

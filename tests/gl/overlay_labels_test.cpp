@@ -186,7 +186,15 @@ TEST_F(OverlayLabelsTest, IprLeadersEndWhereTheGeometrySays) {
     // A frame with the labels puts green leaders and white plates on the screen.
     const VxTestImage img = scene->FrameWithAux();
     VxAuxTestScene::Save(img, "overlay_ipr_leaders");
-    const CPoint mid = scene->ToScreen(VxPoint(2 + 2.7, 1 + 3.6, 0)); // halfway along the first
+    // The plate stands off the label point by its anchor, and the leader runs to the plate:
+    // probe halfway between the gap and the drawn plate's centre.
+    VxPoint plate;
+    for (int i = 0; i < 4; ++i) {
+        const VxPoint& c = labels[0]->GetPlateCorner(i);
+        plate = VxPoint(plate[0] + c[0] / 4, plate[1] + c[1] / 4, plate[2] + c[2] / 4);
+    }
+    const CPoint mid = scene->ToScreen(
+        VxPoint((gap[0] + plate[0]) / 2, (gap[1] + plate[1]) / 2, (gap[2] + plate[2]) / 2));
     int green = 0;
     for (int dy = -1; dy <= 1; ++dy) {
         for (int dx = -1; dx <= 1; ++dx) {
