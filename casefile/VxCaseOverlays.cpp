@@ -3,40 +3,12 @@
 
 #include "VxCase.h"
 
-#include <interfaces/CImage.h>
 #include <overlays/VxCacheStuff.h>
-
-#include <memory>
 
 VxCaseOverlays::~VxCaseOverlays() {
     if (IsInstalled()) {
         Uninstall();
     }
-}
-
-bool VxCaseOverlays::ToDisplayLayout(const CImage& source, CImage& target) {
-    if (source.IsNull()) {
-        return false;
-    }
-    const int w = source.GetWidth();
-    const int h = source.GetHeight();
-    const int bytes = source.GetBPP() / 8;
-    if (!target.IsNull()) {
-        target.Destroy();
-    }
-    if (bytes < 1 || !target.Create(w, h, 24)) {
-        return false;
-    }
-    for (int j = 0; j < h; ++j) {
-        for (int i = 0; i < w; ++i) {
-            const auto* s = static_cast<const unsigned char*>(source.GetPixelAddress(i, j));
-            auto* t = static_cast<unsigned char*>(target.GetPixelAddress(i, h - 1 - j));
-            t[0] = bytes == 1 ? s[0] : s[2];
-            t[1] = bytes == 1 ? s[0] : s[1];
-            t[2] = s[0];
-        }
-    }
-    return true;
 }
 
 void VxCaseOverlays::Install(VxCase& c) {
@@ -54,22 +26,10 @@ void VxCaseOverlays::Install(VxCase& c) {
     }
     m_model.SetPanMeasure(c.model.GetPanMeasure());
     m_model.SetCepMeasure(c.model.GetCepMeasure());
-    m_pictures = VxPatientInfo();
-    if (const VxPatientInfo* info = c.model.GetPatientInfo()) {
-        using Setter = void (VxPatientInfo::*)(std::unique_ptr<CImage>);
-        const CImage* sources[4] = {info->GetCephalometricImg(), info->GetFrontalSmileImg(),
-                                    info->GetProfileImg(), info->GetPanoramicImg()};
-        const Setter setters[4] = {&VxPatientInfo::SetCephalometricImg,
-                                   &VxPatientInfo::SetFrontalSmileImg,
-                                   &VxPatientInfo::SetProfileImg, &VxPatientInfo::SetPanoramicImg};
-        for (int i = 0; i < 4; ++i) {
-            auto picture = std::make_unique<CImage>();
-            if (sources[i] != nullptr && ToDisplayLayout(*sources[i], *picture)) {
-                (m_pictures.*setters[i])(std::move(picture));
-            }
-        }
-        m_model.SetPatientInfo(&m_pictures);
-    }
+    // The case holds its pictures in the layout the overlays upload as it stands (rows from the
+    // bottom up, bytes R, G, B): they are handed over as they are, so that they show upright and
+    // in true colours.
+    m_model.SetPatientInfo(c.model.GetPatientInfo());
     cache->SetModel(&m_model);
     for (const auto& [fdi, grid] : c.anchorGrids) {
         if (VxTooth* tooth = c.FindTooth(fdi)) {
@@ -84,6 +44,6 @@ void VxCaseOverlays::Uninstall() {
     cache->Clear();
     cache->SetModel(nullptr);
     m_model.Clear();
-    m_pictures = VxPatientInfo();
+    m_model.SetPatientInfo(nullptr);
     m_case = nullptr;
 }

@@ -1,16 +1,13 @@
 // VxCaseOverlays: the host's side of the overlay cache for one case. It gives the cache a model
-// of the case's entities whose pictures are in the layout the library shows (rows from the
-// bottom up, R, G, B bytes, as VxCacheStuff::CreateCimage loads files), hands over the case's
-// anchor grids, and takes everything back again. The case's own pictures stay as they are, in
-// the desktop layout the case files use.
+// of the case's entities, measures and pictures (the case holds them in the layout the library
+// shows: rows from the bottom up, R, G, B bytes, as VxCacheStuff::CreateCimage loads files),
+// hands over the case's anchor grids, and takes everything back again.
 // Take the overlays back (Uninstall, or the destructor) before the aux registry is cleared: the
 // registry would otherwise free objects the cache still points at.
 #pragma once
 
 #include <interfaces/VxModel.h>
-#include <interfaces/VxPatientInfo.h>
 
-class CImage;
 class VxCase;
 
 class VxCaseOverlays {
@@ -26,15 +23,10 @@ public:
     // the model.
     void Uninstall();
     bool IsInstalled() const { return m_case != nullptr; }
-    // The model the cache reads: the case's entities and measures, the display pictures.
+    // The model the cache reads: the case's entities, measures and pictures.
     VxModel& Model() { return m_model; }
-
-    // A copy turned upside down with the first and third bytes swapped, 24 bits; grey pictures
-    // are spread to three bytes. False for a null picture.
-    static bool ToDisplayLayout(const CImage& source, CImage& target);
 
 private:
     VxCase* m_case = nullptr;
     VxModel m_model;
-    VxPatientInfo m_pictures;
 };

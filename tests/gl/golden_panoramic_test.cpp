@@ -1,13 +1,14 @@
 // The panoramic film of the synthetic patient (seed 1) as vxrender --picture panoramic shows it
-// at 640 x 400, compared with tests/golden/panoramic_seed1.png. The golden was made by running
-// this test once with VX_UPDATE_GOLDEN=1 on Mesa llvmpipe and looked at before it was
-// committed: the grey film fitted to the view (240 x 120 pixels, 20 below the middle), upright,
-// upper roots pointing up and lower ones down, the bite line rising towards the middle, with
-// its landmark discs over it: red "1" and "2" at the molars, green "2", orange "2", blue and
-// purple "2", a cyan disc under the front teeth and a "?" mark; the landmark of an unknown kind
-// stays hidden. The same run checks what the program's picture switch does: each picture the
-// case holds shows upright in its fitted rectangle with the patient out of the way, and the
-// landmarks follow the film when it is dragged.
+// at 640 x 400, through the overlay cache, compared with tests/golden/panoramic_seed1.png. The
+// golden was made by running this test once with VX_UPDATE_GOLDEN=1 on Mesa llvmpipe and looked
+// at before it was committed: the film fitted to the view (240 x 120 pixels, 20 below the
+// middle), darkened by the case's brightness and contrast positions, upright, upper roots
+// pointing up and lower ones down, the bite line rising towards the middle, with its landmark
+// discs over it: red "1" and "2" at the molars, green "2", orange "2", blue and purple "2", a
+// cyan disc under the front teeth and a "?" mark; the landmark of an unknown kind stays hidden.
+// The same run checks what the program's picture switch does: each picture the case holds
+// shows upright in its fitted rectangle with the patient out of the way, and the landmarks
+// follow the film when it is dragged.
 #include "VxTestImage.h"
 #include "VxTestPaths.h"
 #include "VxTestRenderPath.h"
