@@ -18,6 +18,7 @@
 
 #include <aux/VxAuxObject.h>
 #include <aux/VxAuxRender.h>
+#include <aux/VxAuxTexture.h>
 #include <frame/OpenGLVersion.h>
 #include <frame/VxDIBLoader.h>
 #include <frame/VxOpenGLRender.h>
@@ -304,10 +305,23 @@ void VxAppScene::SetJaws(VxAppJaws jaws) {
 }
 
 void VxAppScene::ApplyJaws() {
+    // A picture stands at the depth the library gives it (behind the front of the teeth) with
+    // its landmarks over it: the view that shows one leaves the patient out so it can be read.
+    std::vector<const VxViewRegion*> pictureViews;
+    if (GetPicture() != VxAppPictureKind::None) {
+        for (VxAuxObject* o : VxRenderStatus::GetInstance()->GetAuxRender()->GetTexture()) {
+            if (auto* t = dynamic_cast<VxAuxTexture*>(o); t != nullptr && t->IsVisible()) {
+                pictureViews.push_back(t->GetRelatedView());
+            }
+        }
+    }
     const std::vector<VxViewRegion*>& views = Views()->GetAllViews();
     for (std::size_t i = 0; i < views.size(); ++i) {
         const unsigned int layoutMask = i < m_layoutMasks.size() ? m_layoutMasks[i] : 63u;
-        views[i]->SelectJawShow(static_cast<Display_Selec>(layoutMask & JawsMask(m_jaws)));
+        const bool picture =
+            std::find(pictureViews.begin(), pictureViews.end(), views[i]) != pictureViews.end();
+        const unsigned int mask = picture ? 0u : layoutMask & JawsMask(m_jaws);
+        views[i]->SelectJawShow(static_cast<Display_Selec>(mask));
     }
 }
 
@@ -385,13 +399,10 @@ void VxAppScene::Resize(int width, int height) {
 }
 
 void VxAppScene::RenderFrame() {
-    // A picture stands at the depth the library gives it (behind the front of the teeth) with
-    // its landmarks over it: while one is shown it takes the patient's place in the views.
-    if (m_case && GetPicture() == VxAppPictureKind::None) {
-        Render()->RenderScene(true);
-    } else {
-        Render()->RenderScene(false);
-    }
+    // Pictures come and go with the overlays (the programs' keys and options, a layout
+    // change): the views' jaw choice follows them at every frame.
+    ApplyJaws();
+    Render()->RenderScene(m_case != nullptr);
     // The host's part of a frame: aux objects after the scene, so their depth passes see it,
     // and the axis cross last, in each view's lower-right corner.
     VxRenderStatus::GetInstance()->GetAuxRender()->Render();

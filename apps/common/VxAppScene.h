@@ -68,9 +68,10 @@ public:
     bool IsAuxDemo() const { return m_auxDemo; }
     // One of the case's patient pictures, shown through the overlay cache as a host would (the
     // overlays "xray", "front", "profile", "panoramic"), in the patient's place while it is
-    // shown: the patient is hidden so that the picture stays legible (None: no picture, the
-    // patient again). The panoramic film carries its landmark markers. Any other picture shown
-    // goes. False with `error` set, and no picture, when the case has no such picture.
+    // shown: the view that shows it (the first, or the active one after a layout change) leaves
+    // the patient out so that the picture stays legible (None: no picture, the patient again). The
+    // panoramic film carries its landmark markers. Any other picture shown goes. False with `error`
+    // set, and no picture, when the case has no such picture.
     bool SetPicture(VxAppPictureKind kind, std::string& error);
     // The picture shown, by SetPicture or by the overlay of its name; None without one.
     VxAppPictureKind GetPicture() const;
