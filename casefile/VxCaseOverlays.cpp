@@ -3,39 +3,12 @@
 
 #include "VxCase.h"
 
-#include <interfaces/CImage.h>
-#include <interfaces/VxPictureLayout.h>
 #include <overlays/VxCacheStuff.h>
-
-#include <cstring>
-#include <memory>
 
 VxCaseOverlays::~VxCaseOverlays() {
     if (IsInstalled()) {
         Uninstall();
     }
-}
-
-bool VxCaseOverlays::ToDisplayLayout(const CImage& source, CImage& target) {
-    if (source.IsNull()) {
-        return false;
-    }
-    if (source.GetBPP() != 24) {
-        return VxPictureLayout::ToOverlayLayout(source, target);
-    }
-    const int w = source.GetWidth();
-    const int h = source.GetHeight();
-    if (!target.IsNull()) {
-        target.Destroy();
-    }
-    if (!target.Create(w, h, 24)) {
-        return false;
-    }
-    for (int j = 0; j < h; ++j) {
-        std::memcpy(target.GetPixelAddress(0, j), source.GetPixelAddress(0, j),
-                    static_cast<std::size_t>(w) * 3);
-    }
-    return true;
 }
 
 void VxCaseOverlays::Install(VxCase& c) {
@@ -53,22 +26,10 @@ void VxCaseOverlays::Install(VxCase& c) {
     }
     m_model.SetPanMeasure(c.model.GetPanMeasure());
     m_model.SetCepMeasure(c.model.GetCepMeasure());
-    m_pictures = VxPatientInfo();
-    if (const VxPatientInfo* info = c.model.GetPatientInfo()) {
-        using Setter = void (VxPatientInfo::*)(std::unique_ptr<CImage>);
-        const CImage* sources[4] = {info->GetCephalometricImg(), info->GetFrontalSmileImg(),
-                                    info->GetProfileImg(), info->GetPanoramicImg()};
-        const Setter setters[4] = {&VxPatientInfo::SetCephalometricImg,
-                                   &VxPatientInfo::SetFrontalSmileImg,
-                                   &VxPatientInfo::SetProfileImg, &VxPatientInfo::SetPanoramicImg};
-        for (int i = 0; i < 4; ++i) {
-            auto picture = std::make_unique<CImage>();
-            if (sources[i] != nullptr && ToDisplayLayout(*sources[i], *picture)) {
-                (m_pictures.*setters[i])(std::move(picture));
-            }
-        }
-        m_model.SetPatientInfo(&m_pictures);
-    }
+    // The case holds its pictures in the layout the overlays upload as it stands (rows from the
+    // bottom up, bytes R, G, B): they are handed over as they are, so that they show upright and
+    // in true colours.
+    m_model.SetPatientInfo(c.model.GetPatientInfo());
     cache->SetModel(&m_model);
     for (const auto& [fdi, grid] : c.anchorGrids) {
         if (VxTooth* tooth = c.FindTooth(fdi)) {
@@ -83,6 +44,6 @@ void VxCaseOverlays::Uninstall() {
     cache->Clear();
     cache->SetModel(nullptr);
     m_model.Clear();
-    m_pictures = VxPatientInfo();
+    m_model.SetPatientInfo(nullptr);
     m_case = nullptr;
 }

@@ -18,6 +18,7 @@
 
 #include <aux/VxAuxObject.h>
 #include <aux/VxAuxRender.h>
+#include <aux/VxAuxTexture.h>
 #include <frame/OpenGLVersion.h>
 #include <frame/VxDIBLoader.h>
 #include <frame/VxOpenGLRender.h>
@@ -124,6 +125,32 @@ std::string WriteWhiteBackground() {
     return std::fclose(f) == 0 && ok ? path : "";
 }
 
+// The case's picture of a kind, or null (no case, no such picture).
+const CImage* PictureOf(const VxCase* c, VxAppPictureKind kind) {
+    if (c == nullptr) {
+        return nullptr;
+    }
+    const VxPatientInfo& info = c->patientInfo;
+    const CImage* image = nullptr;
+    switch (kind) {
+    case VxAppPictureKind::Front:
+        image = info.GetFrontalSmileImg();
+        break;
+    case VxAppPictureKind::Profile:
+        image = info.GetProfileImg();
+        break;
+    case VxAppPictureKind::Xray:
+        image = info.GetCephalometricImg();
+        break;
+    case VxAppPictureKind::Panoramic:
+        image = info.GetPanoramicImg();
+        break;
+    case VxAppPictureKind::None:
+        break;
+    }
+    return image != nullptr && !image->IsNull() ? image : nullptr;
+}
+
 } // namespace
 
 VxOpenGLRender* VxAppScene::Render() const {
@@ -181,7 +208,6 @@ void VxAppScene::SetCase(VxCase* c) {
     // Aux objects stand on the old case's teeth; the picture is the old case's too.
     VxRenderStatus::GetInstance()->GetAuxRender()->Clear();
     m_auxDemo = false;
-    m_picture.Forget();
     m_case = c;
     VxModel* model = c ? &c->model : nullptr;
     if (c) {
@@ -279,10 +305,23 @@ void VxAppScene::SetJaws(VxAppJaws jaws) {
 }
 
 void VxAppScene::ApplyJaws() {
+    // A picture stands at the depth the library gives it (behind the front of the teeth) with
+    // its landmarks over it: the view that shows one leaves the patient out so it can be read.
+    std::vector<const VxViewRegion*> pictureViews;
+    if (GetPicture() != VxAppPictureKind::None) {
+        for (VxAuxObject* o : VxRenderStatus::GetInstance()->GetAuxRender()->GetTexture()) {
+            if (auto* t = dynamic_cast<VxAuxTexture*>(o); t != nullptr && t->IsVisible()) {
+                pictureViews.push_back(t->GetRelatedView());
+            }
+        }
+    }
     const std::vector<VxViewRegion*>& views = Views()->GetAllViews();
     for (std::size_t i = 0; i < views.size(); ++i) {
         const unsigned int layoutMask = i < m_layoutMasks.size() ? m_layoutMasks[i] : 63u;
-        views[i]->SelectJawShow(static_cast<Display_Selec>(layoutMask & JawsMask(m_jaws)));
+        const bool picture =
+            std::find(pictureViews.begin(), pictureViews.end(), views[i]) != pictureViews.end();
+        const unsigned int mask = picture ? 0u : layoutMask & JawsMask(m_jaws);
+        views[i]->SelectJawShow(static_cast<Display_Selec>(mask));
     }
 }
 
@@ -360,16 +399,12 @@ void VxAppScene::Resize(int width, int height) {
 }
 
 void VxAppScene::RenderFrame() {
-    // A picture stands at the depth the library gives it (behind the front of the teeth) with
-    // its landmarks over it: while one is shown it takes the patient's place in the views.
-    if (m_case && m_picture.Kind() == VxAppPictureKind::None) {
-        Render()->RenderScene(true);
-    } else {
-        Render()->RenderScene(false);
-    }
+    // Pictures come and go with the overlays (the programs' keys and options, a layout
+    // change): the views' jaw choice follows them at every frame.
+    ApplyJaws();
+    Render()->RenderScene(m_case != nullptr);
     // The host's part of a frame: aux objects after the scene, so their depth passes see it,
     // and the axis cross last, in each view's lower-right corner.
-    m_picture.FollowView(Views()->GetView(0));
     VxRenderStatus::GetInstance()->GetAuxRender()->Render();
     if (m_axisCross) {
         Render()->DrawCoordinateSystem();
@@ -381,13 +416,6 @@ bool VxAppScene::SetAuxDemo(bool on, std::string& error) {
     VxAuxRender* aux = VxRenderStatus::GetInstance()->GetAuxRender();
     aux->Clear();
     m_auxDemo = false;
-    // The clear took the picture overlay with it; it is shown again.
-    const VxAppPictureKind picture = m_picture.Kind();
-    m_picture.Forget();
-    if (picture != VxAppPictureKind::None) {
-        std::string ignored;
-        m_picture.Show(m_case, picture, aux, Views()->GetView(0), ignored);
-    }
     if (!on) {
         return true;
     }
@@ -410,8 +438,40 @@ bool VxAppScene::SetAuxDemo(bool on, std::string& error) {
 }
 
 bool VxAppScene::SetPicture(VxAppPictureKind kind, std::string& error) {
-    return m_picture.Show(m_case, kind, VxRenderStatus::GetInstance()->GetAuxRender(),
-                          Views()->GetView(0), error);
+    if (kind != VxAppPictureKind::None && PictureOf(m_case, kind) == nullptr) {
+        error = std::string("the case has no ") + VxAppNameOf(kVxAppPictures, kind) + " picture";
+        return false;
+    }
+    for (const auto& p : kVxAppPictures) {
+        if (p.value != VxAppPictureKind::None && p.value != kind) {
+            VxAppOverlays::Show(p.word, false);
+        }
+    }
+    if (kind == VxAppPictureKind::None) {
+        return true;
+    }
+    // The cache fits a picture to the active view: the first one.
+    Views()->SetActiveView(0);
+    VxAppOverlays::Show(VxAppNameOf(kVxAppPictures, kind), true);
+    return true;
+}
+
+VxAppPictureKind VxAppScene::GetPicture() const {
+    for (const auto& p : kVxAppPictures) {
+        if (p.value != VxAppPictureKind::None && VxAppOverlays::IsShown(p.word)) {
+            return p.value;
+        }
+    }
+    return VxAppPictureKind::None;
+}
+
+VxAppPictureKind VxAppScene::NextPicture(VxAppPictureKind kind) {
+    for (std::size_t i = 0; i < kVxAppPictures.size(); ++i) {
+        if (kVxAppPictures[i].value == kind) {
+            return kVxAppPictures[(i + 1) % kVxAppPictures.size()].value;
+        }
+    }
+    return VxAppPictureKind::None;
 }
 
 std::string VxAppScene::AuxHit(const CPoint& pixel, bool toggle) {

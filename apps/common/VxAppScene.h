@@ -6,7 +6,6 @@
 // writes; the programs do that.
 #pragma once
 
-#include "VxAppPicture.h"
 #include "VxAppTypes.h"
 
 #include <interfaces/CPoint.h>
@@ -67,12 +66,17 @@ public:
     // False with `error` set when the case cannot carry the sample.
     bool SetAuxDemo(bool on, std::string& error);
     bool IsAuxDemo() const { return m_auxDemo; }
-    // One of the case's patient pictures in the first view, fitted to it, in the patient's
-    // place while it is shown (None: no picture, the patient again); the panoramic film carries
-    // its landmark markers. False with `error` set, and no picture, when the case has no such
-    // picture.
+    // One of the case's patient pictures, shown through the overlay cache as a host would (the
+    // overlays "xray", "front", "profile", "panoramic"), in the patient's place while it is
+    // shown: the view that shows it (the first, or the active one after a layout change) leaves
+    // the patient out so that the picture stays legible (None: no picture, the patient again). The
+    // panoramic film carries its landmark markers. Any other picture shown goes. False with `error`
+    // set, and no picture, when the case has no such picture.
     bool SetPicture(VxAppPictureKind kind, std::string& error);
-    VxAppPictureKind GetPicture() const { return m_picture.Kind(); }
+    // The picture shown, by SetPicture or by the overlay of its name; None without one.
+    VxAppPictureKind GetPicture() const;
+    // The kind after `kind` in the cycle none, front, profile, xray, panoramic.
+    static VxAppPictureKind NextPicture(VxAppPictureKind kind);
     // The small axis cross in each view's lower-right corner (on from the start).
     void SetAxisCross(bool on) { m_axisCross = on; }
     bool IsAxisCross() const { return m_axisCross; }
@@ -112,7 +116,6 @@ private:
     VxAppDisplay m_display = VxAppDisplay::Solid;
     bool m_auxDemo = false;
     bool m_axisCross = true;
-    VxAppPicture m_picture;
     // The jaw mask each view got from its layout, before the jaw choice narrows it.
     std::vector<unsigned int> m_layoutMasks;
 };

@@ -76,13 +76,6 @@ int VxCliRender(const VxCliOptions& options, std::string& error) {
         return 2;
     }
 
-    for (const std::string& name : options.overlays) {
-        if (!VxAppOverlays2::IsName(name)) {
-            error = "--overlay: unknown overlay '" + name +
-                    "' (choose ipr, collision, attachments, grid)";
-            return 2;
-        }
-    }
     std::unique_ptr<VxCase> c = VxAppLoadCase(options.caseDir, options.seed, error);
     if (!c) {
         return 1;

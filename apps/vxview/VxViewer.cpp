@@ -93,8 +93,8 @@ std::string VxViewer::KeyHelp() {
            "                   handle, position handle move modes 0 to 7, off; left-drag a ball,\n"
            "                   arrow or arc to move or turn the tooth (Shift: a tenth as far)\n"
            "  O                axis cross in the views' corners on/off\n"
-           "  I                picture overlay: none, front, profile, xray, panoramic (with\n"
-           "                   its landmark markers), in turn\n"
+           "  I                patient picture in the patient's place: none, front, profile,\n"
+           "                   xray, panoramic (with its landmark markers), in turn\n"
            "  F10 F11 F12      IPR labels, collision map, attachment labels on/off\n"
            "  G                millimetre grid with its 1mm / 10mm scale bar on/off\n"
            "  C                save a snapshot (vxview_snapshot_NNN.png in the working folder)\n"
@@ -295,7 +295,7 @@ void VxViewer::OnKey(int key, int action, int /*mods*/) {
         std::string error;
         VxAppPictureKind kind = m_scene.GetPicture();
         do {
-            kind = VxAppPicture::Next(kind);
+            kind = VxAppScene::NextPicture(kind);
         } while (!m_scene.SetPicture(kind, error));
         PrintState(std::string("picture: ") + VxAppNameOf(kVxAppPictures, kind));
         break;

@@ -7,7 +7,8 @@
 
 namespace {
 
-// Overlays a key turns on or off together, by F-key number (F7, the pictures, is apart).
+// Overlays a key turns on or off together, by F-key number. The pictures are key I's (VxViewer),
+// which also takes the patient out of their way.
 const std::vector<std::vector<const char*>> kGroups = {
     {},
     {"numbers"},
@@ -21,8 +22,6 @@ const std::vector<std::vector<const char*>> kGroups = {
     {"upline", "lowline"},
 };
 
-const char* const kPictures[] = {"xray", "front", "profile", "panoramic"};
-
 std::string Names(const std::vector<const char*>& group) {
     std::string out;
     for (const char* n : group) {
@@ -34,24 +33,6 @@ std::string Names(const std::vector<const char*>& group) {
 } // namespace
 
 std::string VxViewerOverlays::OnFunctionKey(int n) {
-    if (n == 7) {
-        // None, then each picture in turn, then none again.
-        int current = -1;
-        for (int i = 0; i < 4; ++i) {
-            if (VxAppOverlays::IsShown(kPictures[i])) {
-                current = i;
-            }
-        }
-        for (const char* p : kPictures) {
-            VxAppOverlays::Show(p, false);
-        }
-        const int next = current + 1;
-        if (next < 4) {
-            VxAppOverlays::Show(kPictures[next], true);
-            return std::string("picture: ") + kPictures[next];
-        }
-        return "picture: none";
-    }
     if (n < 1 || n >= int(kGroups.size()) || kGroups[size_t(n)].empty()) {
         return std::string();
     }
@@ -70,7 +51,6 @@ const char* VxViewerOverlays::KeyHelp() {
            "  F4               tooth references and the cephalometric key point on/off\n"
            "  F5               arch wire on/off\n"
            "  F6               middle, back boundary and beauty planes on/off\n"
-           "  F7               patient picture: X-ray, front, profile, panoramic, none\n"
            "  F8               upper and lower occlusal planes on/off\n"
            "  F9               upper and lower tooth arch lines on/off\n";
 }

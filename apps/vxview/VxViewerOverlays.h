@@ -1,6 +1,6 @@
-// VxViewerOverlays: what vxview's function keys do with the clinical overlays. The seventeen
-// overlays share nine keys: one overlay a key where it stands alone, related ones together, and
-// F7 steps through the four patient pictures one at a time.
+// VxViewerOverlays: what vxview's function keys do with the clinical overlays. The thirteen
+// overlays other than the pictures share eight keys: one overlay a key where it stands alone,
+// related ones together. The four patient pictures are key I's, one at a time.
 #pragma once
 
 #include <string>

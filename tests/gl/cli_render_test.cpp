@@ -87,10 +87,11 @@ protected:
     }
 
     // Runs and loads the one picture written; fails the test when either does not work.
-    static VxTestImage Render(std::vector<std::string> args, const std::string& name) {
+    static VxTestImage Render(std::vector<std::string> args, const std::string& name, int w = kW,
+                              int h = kH) {
         const std::string png = Dir() + "/" + name + ".png";
         fs::remove(png);
-        args.insert(args.end(), {"--size", std::to_string(kW) + "x" + std::to_string(kH), "-o", png,
+        args.insert(args.end(), {"--size", std::to_string(w) + "x" + std::to_string(h), "-o", png,
                                  "--background", Background()});
         const RunResult r = Run(args);
         EXPECT_TRUE(r.exited && r.status == 0) << r.err;
@@ -260,6 +261,57 @@ TEST_F(CliRenderTest, AllStepsAreNumberedFramesAndTheTeethMove) {
     // A step the plan does not have.
     ExpectOneErrorLine(Run({"--step", "9999", "-o", dir + "none.png"}), "--step");
     EXPECT_FALSE(fs::exists(dir + "none.png"));
+}
+
+// Pixels within a few steps of a colour, in rows y0 to y1 (from the top).
+int PixelsNear(const VxTestImage& img, int r, int g, int b, int y0, int y1) {
+    int n = 0;
+    for (int y = y0; y < y1; ++y) {
+        for (int x = 0; x < img.width; ++x) {
+            const std::uint8_t* p = img.Pixel(x, y);
+            n += std::abs(p[0] - r) <= 12 && std::abs(p[1] - g) <= 12 && std::abs(p[2] - b) <= 12;
+        }
+    }
+    return n;
+}
+
+// Gum-coloured pixels: the patient is in the picture.
+int GumPixels(const VxTestImage& img) {
+    int n = 0;
+    for (size_t i = 0; i + 3 < img.rgba.size(); i += 4) {
+        const int r = img.rgba[i], g = img.rgba[i + 1], b = img.rgba[i + 2];
+        n += r > 190 && g > 90 && g < 170 && b > 90 && b < 170 && r - g > 50;
+    }
+    return n;
+}
+
+TEST_F(CliRenderTest, PicturesShowThroughTheOverlaysWithThePatientOutOfTheWay) {
+    // The film is fitted to the view less 400 pixels of width: a wider picture than the others.
+    constexpr int w = 800, h = 500;
+    const VxTestImage patient = Render({}, "picture_patient", w, h);
+    const VxTestImage overlay =
+        Render({"--overlay", "panoramic"}, "picture_overlay_panoramic", w, h);
+    const VxTestImage shorthand = Render({"--picture", "panoramic"}, "picture_panoramic", w, h);
+    ASSERT_FALSE(patient.Empty() || overlay.Empty() || shorthand.Empty());
+    EXPECT_GT(GumPixels(patient), 2000);
+    EXPECT_LT(GumPixels(overlay), 20) << "the patient covers the film";
+    EXPECT_EQ(DifferentPixels(overlay, shorthand), 0) << "--picture is --overlay by another name";
+    // Every coloured landmark disc, whole: 10 pixels of radius less its white number (the grey
+    // "?" disc cannot be told from the film).
+    const struct {
+        int r, g, b;
+    } discs[] = {{255, 0, 0},   {49, 196, 9},   {243, 98, 47},
+                 {53, 51, 200}, {132, 50, 200}, {19, 222, 241}};
+    for (const auto& d : discs) {
+        EXPECT_GT(PixelsNear(overlay, d.r, d.g, d.b, 0, h), 150)
+            << "disc " << d.r << "," << d.g << "," << d.b;
+    }
+
+    // The smile photograph upright and in true colours: brown hair in the upper half only.
+    const VxTestImage front = Render({"--overlay", "front"}, "picture_overlay_front", w, h);
+    ASSERT_FALSE(front.Empty());
+    EXPECT_GT(PixelsNear(front, 70, 50, 35, 0, h / 2), 2000);
+    EXPECT_EQ(PixelsNear(front, 70, 50, 35, h / 2, h), 0);
 }
 
 TEST_F(CliRenderTest, BadInputGivesOneReadableLine) {

@@ -1,13 +1,15 @@
 // The panoramic film of the synthetic patient (seed 1) as vxrender --picture panoramic shows it
-// at 640 x 400, compared with tests/golden/panoramic_seed1.png. The golden was made by running
-// this test once with VX_UPDATE_GOLDEN=1 on Mesa llvmpipe and looked at before it was
-// committed: the grey film fitted to the view (240 x 120 pixels, 20 below the middle), upright,
-// upper roots pointing up and lower ones down, the bite line rising towards the middle, with
-// its landmark discs over it: red "1" and "2" at the molars, green "2", orange "2", blue and
-// purple "2", a cyan disc under the front teeth and a "?" mark; the landmark of an unknown kind
-// stays hidden. The same run checks what the program's picture switch does: each picture the
-// case holds shows upright in its fitted rectangle with the patient out of the way, and the
-// landmarks follow the film when it is dragged.
+// at 640 x 400, through the overlay cache, compared with tests/golden/panoramic_seed1.png. The
+// golden was made by running this test once with VX_UPDATE_GOLDEN=1 on Mesa llvmpipe and looked
+// at before it was committed: the film fitted to the view (240 x 120 pixels, 20 below the
+// middle), darkened by the case's brightness and contrast positions, upright, upper roots
+// pointing up and lower ones down, the bite line rising towards the middle, with its landmark
+// discs over it: red "1" and "2" at the molars, green "2", orange "2", blue and purple "2", a
+// cyan disc under the front teeth and a "?" mark; the landmark of an unknown kind stays hidden.
+// The same run checks what the program's picture switch does: each picture the case holds
+// shows upright in its fitted rectangle with the patient out of the way, and the landmarks
+// follow the film when it is dragged. In a two-view layout only the view that shows a picture
+// leaves the patient out.
 #include "VxTestImage.h"
 #include "VxTestPaths.h"
 #include "VxTestRenderPath.h"
@@ -143,4 +145,48 @@ TEST_F(GoldenPanoramicTest, EveryPictureShowsInItsRectangleAndTheLandmarksFollow
     ASSERT_TRUE(scene.SetPicture(VxAppPictureKind::None, error));
     EXPECT_TRUE(VxRenderStatus::GetInstance()->GetAuxRender()->GetTexture().empty());
     EXPECT_EQ(Frame("picture_none_again").rgba, bare.rgba);
+}
+
+TEST_F(GoldenPanoramicTest, OnlyTheViewShowingAPictureLeavesThePatientOut) {
+    std::string error;
+    scene.SetLayout(VxAppLayout::Jaws);
+    const VxTestImage bare = Frame("picture_jaws_none");
+    // The front photograph is tall enough to fit a half-width view.
+    ASSERT_TRUE(scene.SetPicture(VxAppPictureKind::Front, error)) << error;
+    const VxTestImage img = Frame("picture_jaws_front");
+    VxAuxTexture* t = dynamic_cast<VxAuxTexture*>(
+        VxRenderStatus::GetInstance()->GetAuxRender()->GetTexture().front());
+    ASSERT_NE(t, nullptr);
+    // The picture stands in the first (left) view, where the library's mapping of that view puts
+    // it; the gum is what tells the patient apart from the photograph.
+    const auto gum = [](const VxTestImage& im, int x0, int x1) {
+        int n = 0;
+        for (int y = 0; y < kH; ++y) {
+            for (int x = x0; x < x1; ++x) {
+                const std::uint8_t* p = im.Pixel(x, y);
+                n += p[0] > 180 && p[1] > 100 && p[1] < 170 && p[2] > 90 && p[2] < 160 &&
+                     p[0] - p[1] > 60;
+            }
+        }
+        return n;
+    };
+    int leftChanged = 0, rightChanged = 0;
+    for (int y = 0; y < kH; ++y) {
+        for (int x = 0; x < kW; ++x) {
+            const std::uint8_t* a = bare.Pixel(x, y);
+            const std::uint8_t* b = img.Pixel(x, y);
+            (x < kW / 2 ? leftChanged : rightChanged) +=
+                a[0] != b[0] || a[1] != b[1] || a[2] != b[2];
+        }
+    }
+    // About 20,000 gum pixels with the patient there; the photograph's lips give a few.
+    EXPECT_GT(gum(bare, 0, kW / 2), 5000) << "the measure sees the patient";
+    EXPECT_LT(gum(img, 0, kW / 2), 100) << "the patient is left out beside the picture";
+    EXPECT_GT(leftChanged, 2000);
+    EXPECT_EQ(rightChanged, 0) << "the other view keeps its patient";
+    EXPECT_GT(gum(img, kW / 2, kW), 500);
+
+    // Taking the picture away gives the left view its patient back.
+    ASSERT_TRUE(scene.SetPicture(VxAppPictureKind::None, error));
+    EXPECT_EQ(Frame("picture_jaws_none_again").rgba, bare.rgba);
 }

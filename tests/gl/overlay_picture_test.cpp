@@ -13,11 +13,13 @@
 #include <interfaces/CImage.h>
 #include <interfaces/VxPictureLayout.h>
 #include <interfaces/PanAttribute.h>
+#include <interfaces/VxPictureLayout.h>
 #include <overlays/VxCacheStuff.h>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -60,8 +62,8 @@ TEST_P(OverlayPictureTest, FrontPhotoIsUprightInTrueColours) {
     ShowModel(false); // the picture stands behind the model
     const VxTestImage img = Scene::Frame();
     Scene::Save(img, Name("overlay_front_photo"));
-    // The case holds its pictures in the overlay layout; the photograph as painted is that
-    // layout undone.
+    // The case holds the photograph upside down in R, G, B order, as it is uploaded; turned
+    // back it is the photograph a person took, and the screen must show that.
     CImage source;
     ASSERT_TRUE(VxPictureLayout::FromOverlayLayout(*Scene::Case().patientInfo.GetFrontalSmileImg(),
                                                    source));
