@@ -14,6 +14,8 @@
 
 #include <gapeditor/ModelCreateModify.h>
 #include <interfaces/CPoint.h>
+#include <interfaces/VxModel.h>
+#include <interfaces/VxXForm.h>
 #include <platform/VxNativeWindow.h>
 #include <shader/RenderV1.h>
 #include <views/VxViewRegion.h>
@@ -218,6 +220,20 @@ TEST_F(GapEditorHostTest, UpArrowRaisesTheReduction) {
     // A second click goes on from the new value.
     EXPECT_EQ(Click(Where(Code{kUpArrow, static_cast<unsigned char>(id), 0})),
               "IPR 11|21 0.4 -> 0.5 mm");
+}
+
+// The framing zooms onto the crowns, centred on them; no view or no teeth leave things alone.
+TEST_F(GapEditorHostTest, FramingOnTheCrowns) {
+    const VxXForm framed = View()->GetXForm();
+    scene->ResetView();
+    const VxXForm whole = View()->GetXForm();
+    EXPECT_GT(framed.GetScale(), 1.5 * whole.GetScale()) << "closer than the whole case";
+    VxModel empty;
+    VxAppEditor::FrameDentition(empty, View());
+    VxAppEditor::FrameDentition(patient->model, nullptr);
+    EXPECT_EQ(View()->GetXForm().GetScale(), whole.GetScale());
+    VxAppEditor::FrameDentition(patient->model, View());
+    EXPECT_EQ(View()->GetXForm().GetScale(), framed.GetScale());
 }
 
 // The lock of a gap toggles and the plan follows; a space's up arrow widens it.
