@@ -6,6 +6,9 @@
 #include <interfaces/VxGum.h>
 #include <interfaces/VxModel.h>
 #include <interfaces/VxTooth.h>
+#include <interfaces/VxXForm.h>
+#include <views/VxViewManager.h>
+#include <views/VxViewRegion.h>
 
 #include <algorithm>
 #include <cmath>
@@ -62,6 +65,50 @@ std::vector<std::pair<int, int>> VxAppEditor::PairGaps(bool upper) const {
     return pairs;
 }
 
+void VxAppEditor::FrameDentition(VxModel& model, VxViewRegion* view) {
+    if (!view || view->Width() <= 0 || view->Height() <= 0) {
+        return;
+    }
+    // The crown centres (the teeth's frame origins): a tooth's box holds its root as well, which
+    // would frame the gums rather than the gaps.
+    std::vector<VxPoint> centres;
+    VxBBox box;
+    for (VxTooth* t : model.GetTeeth()) {
+        if (t) {
+            const VxPoint& o = t->GetFrame().GetOrigin();
+            if (std::isfinite(o[0]) && std::isfinite(o[1]) && std::isfinite(o[2])) {
+                centres.push_back(o);
+                box.Add(o);
+            }
+        }
+    }
+    if (centres.empty()) {
+        return;
+    }
+    const VxMatrix rotation = VxViewManager::GetFixedMatrix(VxViewManager::View_Front) *
+                              VxViewManager::GetReferenceRotation(model);
+    const VxPoint c = box.Center();
+    // Half extents across and up the front view, a crown's half size added on each side.
+    double across = 5.0;
+    double up = 6.0;
+    for (const VxPoint& p : centres) {
+        const VxVector v = rotation.Transform(p - c);
+        across = std::max(across, std::fabs(v[0]) + 5.0);
+        up = std::max(up, std::fabs(v[1]) + 6.0);
+    }
+    // The shorter side of a view spans two view units. The arch fills nine tenths of the width;
+    // the crowns leave room above and below for the cards and the lists.
+    const double w = view->Width();
+    const double h = view->Height();
+    const double unitsAcross = 2.0 * w / std::min(w, h);
+    const double unitsUp = 2.0 * h / std::min(w, h);
+    VxXForm xf;
+    xf.SetRotation(rotation);
+    xf.SetScale(std::min(0.9 * unitsAcross / (2.0 * across), 0.6 * unitsUp / (2.0 * up)));
+    xf.SetTranslation(VxVector(-c[0], -c[1], -c[2]));
+    view->SetXForm(xf);
+}
+
 void VxAppEditor::Start(VxModel* model) {
     m_model = model;
     m_on = true;
@@ -76,14 +123,14 @@ void VxAppEditor::Start(VxModel* model) {
     m_upPairs = PairGaps(true);
     m_downPairs = PairGaps(false);
     if (m_plan.empty()) {
-        // A plan to start from: a reduction, a wide space, a locked smallest reduction, one at
-        // the top of its range.
+        // A plan to start from: a reduction between the central incisors, a wide space, a
+        // locked smallest reduction and one at the top of its range, spread over the arch so
+        // that no card covers another in the framed front view.
         SetGapValue(11, 21, 0.3);
         SetGapValue(21, 22, -1.2);
-        SetGapValue(31, 41, 0.2);
-        m_plan[{31, 41}].locked = true;
-        SetGapValue(12, 13, 0.5);
-        SetGapValue(42, 43, -0.3);
+        SetGapValue(41, 42, 0.2);
+        m_plan[{41, 42}].locked = true;
+        SetGapValue(43, 44, 0.5);
     }
     Rebuild();
 }
@@ -145,6 +192,15 @@ std::string VxAppEditor::Release(int x, int y, VxViewRegion* view) {
     }
     EventInfoCreateModify* events = EventInfoCreateModify::getInstance();
     ViewControllerCreateModify* controller = ViewControllerCreateModify::getInstance();
+    // The controller answers every release off its elements with "none"; only where a list
+    // was open does that close something, otherwise the click is the program's.
+    bool listOpen = false;
+    for (const auto& records : {ModelCreateModify::getInstance()->GetUpGumGapGraphicsObjects(),
+                                ModelCreateModify::getInstance()->GetDownGumGapGraphicsObjects()}) {
+        for (const GumGapGraphicsObject& r : records) {
+            listOpen = listOpen || r.listState > 1;
+        }
+    }
     events->SetEventInfo(kNoNews);
     controller->SetupCurrentMouseState(x, y, view);
     controller->MouseLeftReleased();
@@ -152,7 +208,8 @@ std::string VxAppEditor::Release(int x, int y, VxViewRegion* view) {
     const EnumEventInfoCreateModify event = events->GetEventInfo();
     // The host owns the mailbox: it is left empty after each reading.
     events->SetEventInfo(EventNone);
-    if (event == kNoNews) {
+    if (event == kNoNews || (event == EventNone && !listOpen)) {
+        m_tookClick = m_tookClick && event != EventNone;
         return std::string();
     }
     m_tookClick = true;

@@ -27,6 +27,11 @@ public:
         bool locked = false;
     };
 
+    // Turns the single view to the front and zooms it onto the crowns, as a clinician works with
+    // the editor: the cards keep their size in pixels while the gaps spread with the zoom, so
+    // neighbouring cards stand clear of each other. Does nothing in a view of no size.
+    static void FrameDentition(VxModel& model, VxViewRegion* view);
+
     // Turns the editor on for the model: pairs each gum gap with its two nearest teeth, seeds the
     // plan with a few reductions and spaces when it is empty, and builds the records.
     void Start(VxModel* model);

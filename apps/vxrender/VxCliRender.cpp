@@ -171,6 +171,9 @@ int VxCliRender(const VxCliOptions& options, std::string& error) {
 
     const bool several = steps.size() > 1;
     VxAppEditor editor;
+    if (options.editor && options.layout == VxAppLayout::Single) {
+        VxAppEditor::FrameDentition(c->model, scene.ViewAt(CPoint(0, 0)));
+    }
     for (int step : steps) {
         scene.SetStep(step);
         // Labels stand where the teeth of this step and layout put them; the grid takes the zoom.

@@ -313,6 +313,9 @@ void VxViewer::OnKey(int key, int action, int /*mods*/) {
         return;
     case GLFW_KEY_R:
         m_scene.ResetView();
+        if (m_editor.IsOn() && m_case) {
+            VxAppEditor::FrameDentition(m_case->model, m_scene.ViewAt(CPoint(0, 0)));
+        }
         PrintState("view reset");
         m_editor.Rebuild();
         break;

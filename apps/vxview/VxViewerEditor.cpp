@@ -23,6 +23,7 @@ void VxViewer::ToggleEditor() {
             return;
         }
     }
+    VxAppEditor::FrameDentition(m_case->model, m_scene.ViewAt(CPoint(0, 0)));
     // The records are placed from the matrices of a drawn frame.
     m_scene.RenderFrame();
     m_editor.Start(&m_case->model);

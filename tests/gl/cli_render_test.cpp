@@ -214,26 +214,42 @@ TEST_F(CliRenderTest, EveryLayoutShowsThePatientInEveryView) {
     EXPECT_GT(DifferentPixels(single, Render({"--highlight", "11,21"}, "highlighted")), 50);
 }
 
-// The editor's cards, arrows and squares stand over the dentition, in the middle of the picture;
-// the value cards carry black digits and the leaders are the editor's green.
-TEST_F(CliRenderTest, EditorDrawsOverTheDentition) {
+// With the editor the view is zoomed onto the crowns, so the dentition spans the picture where
+// the plain view shows the background beside it; the start plan's space card shows in its pale
+// blue, the value cards carry black digits.
+TEST_F(CliRenderTest, EditorFramesTheDentitionAndDrawsTheCards) {
     const VxTestImage plain = Render({}, "editor_plain");
     const VxTestImage editor = Render({"--editor"}, "editor");
     ASSERT_FALSE(plain.Empty() || editor.Empty());
-    int inside = 0, outside = 0, ink = 0;
-    for (int y = 0; y < kH; ++y) {
-        for (int x = 0; x < kW; ++x) {
-            const std::uint8_t* a = plain.Pixel(x, y);
-            const std::uint8_t* b = editor.Pixel(x, y);
-            const bool differs = a[0] != b[0] || a[1] != b[1] || a[2] != b[2];
-            const bool middle = x > kW / 5 && x < kW * 4 / 5 && y > kH / 4 && y < kH * 3 / 4;
-            (middle ? inside : outside) += differs;
-            ink += differs && b[0] < 60 && b[1] < 60 && b[2] < 60;
+    // The part of a column, over the middle half of the rows, that shows something.
+    const auto covered = [](const VxTestImage& img, int x) {
+        int n = 0;
+        for (int y = kH / 4; y < kH * 3 / 4; ++y) {
+            const std::uint8_t* p = img.Pixel(x, y);
+            n += !(p[0] == kBkR && p[1] == kBkG && p[2] == kBkB);
         }
+        return n / double(kH / 2);
+    };
+    for (int x : {kW / 8, kW * 7 / 8}) {
+        EXPECT_EQ(covered(plain, x), 0.0) << x;
+        EXPECT_GT(covered(editor, x), 0.5) << x << ": the crowns fill the width";
     }
-    EXPECT_GT(inside, 1500);
-    EXPECT_LT(outside, inside / 4);
-    EXPECT_GT(ink, 20) << "the values' digits";
+    const auto count = [](const VxTestImage& img, auto&& test) {
+        int n = 0;
+        for (int y = 0; y < kH; ++y) {
+            for (int x = 0; x < kW; ++x) {
+                n += test(img.Pixel(x, y));
+            }
+        }
+        return n;
+    };
+    const auto spaceCard = [](const std::uint8_t* p) {
+        return p[0] == 220 && p[1] == 232 && p[2] == 248;
+    };
+    const auto ink = [](const std::uint8_t* p) { return p[0] < 60 && p[1] < 60 && p[2] < 60; };
+    EXPECT_EQ(count(plain, spaceCard), 0);
+    EXPECT_GT(count(editor, spaceCard), kW * kH / 200) << "the space card of 21|22";
+    EXPECT_GT(count(editor, ink), count(plain, ink) + 20) << "the values' digits";
 }
 
 TEST_F(CliRenderTest, AllStepsAreNumberedFramesAndTheTeethMove) {

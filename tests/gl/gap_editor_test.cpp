@@ -2,13 +2,22 @@
 // shader path over a white page. The pick pass is also drawn into the window through the
 // renderer's private walk, which gives the map of every code: each element is then picked at the
 // centre of its own pixels, and the visible picture must show something there. A scripted host
-// hovers, clicks, reads the events and rebuilds, as a program would. Goldens: the editor idle
-// (gap_editor_idle.png) and with a list open and its first row under the cursor
-// (gap_editor_list.png); the pictures also go to test-output/.
+// hovers, clicks, reads the events and rebuilds, as a program would. The view is framed onto the
+// crowns as the programs frame it, at the programs' default 1280 x 800, where the cards keep their
+// pixel size and the gaps spread apart. Goldens, looked at when made:
+//  - gap_editor_idle.png: add and delete buttons at each gap of the front half; four cards, each
+//    on its own green leader with its arrows and lock: ".5" (43|44, up arrow grey at the top of
+//    its range) on the left, ".2" (41|42, closed lock, down arrow grey), ".3" below the central
+//    incisors (11|21), and the blue space card "1.2" (21|22) on the right; no card covers another;
+//  - gap_editor_list.png: the same with the add list of the lower central gap open beside the
+//    ".3" card, its first row "在31与41之间增加片切" highlighted under the cursor.
+// The pictures also go to test-output/.
 #include "VxGLTest.h"
 #include "VxTestBmp.h"
 #include "VxTestPaths.h"
 #include "VxTestRenderPath.h"
+
+#include "VxAppEditor.h"
 
 #include <VxSyntheticPatient.h>
 
@@ -40,8 +49,8 @@ public:
 
 namespace {
 
-constexpr int kW = 800;
-constexpr int kH = 600;
+constexpr int kW = 1280;
+constexpr int kH = 800;
 
 using Code = std::array<unsigned char, 3>;
 
@@ -80,14 +89,8 @@ protected:
         views->Clear();
         views->SetTotalViewSize(kW, kH);
         views->CreateSingleView();
-        const VxBBox box = patient->model.GetBBox();
-        VxXForm fit;
-        fit.SetRotation(VxViewManager::GetFixedMatrix(VxViewManager::View_Front) *
-                        VxViewManager::GetReferenceRotation(patient->model));
-        fit.SetScale(1.6 / box.Diagonal());
-        const VxPoint c = box.Center();
-        fit.SetTranslation(VxVector(-c[0], -c[1], -c[2]));
-        View()->SetXForm(fit);
+        // Zoomed onto the crowns as the programs show the editor.
+        VxAppEditor::FrameDentition(patient->model, View());
 
         *Editor() = ModelCreateModify();
         *EventInfoCreateModify::getInstance() = EventInfoCreateModify();
@@ -128,33 +131,29 @@ protected:
         return {std::min(byDistance[0].second, byDistance[1].second),
                 std::max(byDistance[0].second, byDistance[1].second)};
     }
-    // The host's plan, as a clinician would have it: most gaps untouched; among the gaps in
-    // view, a locked reduction of 0.3, a space of 1.2, a reduction at the top of its range, the
-    // smallest reduction, a small space and a reduction of 1.2. Ids are the pair's FDI numbers.
+    // The host's plan, as the programs start it: most gaps untouched; a reduction of 0.3
+    // between the central incisors, a space of 1.2 beside them, a locked smallest reduction and
+    // one at the top of its range, spread so that no card covers another. Ids are the pair's FDI
+    // numbers; the overrides replace values by record index.
     std::vector<std::tuple<int, int, bool, double>> Plan(bool upper) const {
-        static const double kUpper[] = {0.0, 0.3, 0.0, -1.2, 0.0, 0.5};
-        static const double kLower[] = {0.0, 0.2, 0.0, -0.3, 0.0, 1.2};
-        RenderV1* r = RenderV1::GetInstance();
+        static const std::map<std::pair<int, int>, std::pair<double, bool>> kPlan = {
+            {{11, 21}, {0.3, false}},
+            {{21, 22}, {-1.2, false}},
+            {{41, 42}, {0.2, true}},
+            {{43, 44}, {0.5, false}},
+        };
         const std::vector<VxPoint> starts =
             upper ? Editor()->GetupGumGapStartPointList() : Editor()->GetdownGumGapStartPointList();
-        const std::vector<GumGapGraphicsObject> records =
-            upper ? Editor()->GetUpGumGapGraphicsObjects()
-                  : Editor()->GetDownGumGapGraphicsObjects();
         std::vector<std::tuple<int, int, bool, double>> plan;
-        int shown = 0;
         for (size_t i = 0; i < starts.size(); ++i) {
-            double v = 0.0;
-            bool lock = false;
-            if (i < records.size() && r->DisplayJudge(View(), records[i].points[2])) {
-                v = (upper ? kUpper : kLower)[shown % 6];
-                lock = upper && shown == 1;
-                ++shown;
-            }
+            const auto [first, second] = Teeth(starts[i], upper);
+            const auto planned = kPlan.find({first, second});
+            double v = planned != kPlan.end() ? planned->second.first : 0.0;
+            const bool lock = planned != kPlan.end() && planned->second.second;
             const auto it = overrides.find(std::make_pair(upper, static_cast<int>(i)));
             if (it != overrides.end()) {
                 v = it->second;
             }
-            const auto [first, second] = Teeth(starts[i], upper);
             plan.emplace_back(first, second, lock, v);
         }
         return plan;
@@ -563,7 +562,16 @@ TEST_F(GapEditorTest, ListRowHoverColour) {
 TEST_F(GapEditorTest, Goldens) {
     VxExpectMatchesGolden(Frame(), "gap_editor_idle.png");
     std::map<Code, Spot> map = CodeMap();
-    const auto* add = Find(map, 11);
+    // The add button nearest the middle, so that its list lies whole in the picture.
+    const std::pair<const Code, Spot>* add = nullptr;
+    for (const auto& entry : map) {
+        const auto off = [](const Spot& s) {
+            return std::abs(s.x - kW / 2) + std::abs(s.y - kH / 2);
+        };
+        if (entry.first[0] == 11 && (!add || off(entry.second) < off(add->second))) {
+            add = &entry;
+        }
+    }
     ASSERT_NE(add, nullptr);
     Move(add->second);
     Move(add->second);
