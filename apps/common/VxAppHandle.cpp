@@ -101,9 +101,11 @@ VxAuxFrame* VxAppHandle::Live() const {
     }
     // Clearing the registry frees the handle, and a later object may take its address: the
     // object found must still be a handle.
-    const auto& objects = Aux()->GetAuxObjects();
-    const auto it = objects.find(m_frame);
-    return it != objects.end() && dynamic_cast<VxAuxFrame*>(*it) == m_frame ? m_frame : nullptr;
+    // The registry is asked by address only: the handle may already be freed.
+    return Aux()->Holds(m_frame) &&
+                   dynamic_cast<VxAuxFrame*>(static_cast<VxAuxObject*>(m_frame)) == m_frame
+               ? m_frame
+               : nullptr;
 }
 
 void VxAppHandle::Detach() {

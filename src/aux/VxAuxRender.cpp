@@ -24,6 +24,11 @@ bool AuxObjectCompare::operator()(const VxAuxObject* a, const VxAuxObject* b) co
     return std::greater<const VxAuxObject*>()(a, b);
 }
 
+bool VxAuxRender::Holds(const VxAuxObject* object) const {
+    return object != nullptr && std::any_of(m_objects.begin(), m_objects.end(),
+                                            [object](const VxAuxObject* o) { return o == object; });
+}
+
 VxAuxRender::VxAuxRender() {
     // Pipes and meshes free their buffers through the buffer manager when the registry deletes
     // them. Reaching it here builds it first, so it is destroyed after the registry at exit.

@@ -56,6 +56,10 @@ public:
     VxAuxObject* GetHitObject() const { return m_hitObject; }
 
     const ObjectSet& GetAuxObjects() const { return m_objects; }
+    // Whether the registry holds this very object. Compares addresses only, so a pointer to an
+    // object the registry has already freed may be asked about (a find() on the set would read
+    // the object's priority through it).
+    bool Holds(const VxAuxObject* object) const;
     const std::vector<VxAuxObject*>& GetTexture() const { return m_textures; }
     const std::vector<VxAuxObject*>& GetBillBoards() const { return m_billboards; }
     const std::vector<VxAuxObject*>& GetScreenLines() const { return m_screenLines; }

@@ -372,7 +372,7 @@ void VxCacheStuff::PrepareKeyPoint() {
     // The point is not removed first: a second show leaves the earlier one in the registry. One
     // that was already taken out is no longer reachable by anyone, so it is freed here.
     VxAuxRender* aux = AuxRender();
-    if (m_keyPoint != nullptr && aux != nullptr && aux->GetAuxObjects().count(m_keyPoint) == 0)
+    if (m_keyPoint != nullptr && aux != nullptr && !aux->Holds(m_keyPoint))
         delete m_keyPoint;
     m_keyPoint = new VxAuxPoint();
     m_keyPoint->SetVisible(true);

@@ -490,14 +490,16 @@ TEST_F(GapEditorTest, ScriptedHost) {
             }
         }
         ASSERT_NE(button, nullptr);
-        Move(button->second);
-        Move(button->second);
-        Release(button->second);
+        // A copy: the map it lies in is replaced below.
+        const std::pair<const Code, Spot> pressed = *button;
+        Move(pressed.second);
+        Move(pressed.second);
+        Release(pressed.second);
         EXPECT_EQ(Events()->GetEventInfo(), EventListOpened);
         map = CodeMap();
         const auto* row = Find(map, c.list, c.row);
         ASSERT_NE(row, nullptr);
-        EXPECT_EQ(row->first[1], button->first[1]);
+        EXPECT_EQ(row->first[1], pressed.first[1]);
         Move(row->second);
         EXPECT_EQ(Pick(row->second.x, row->second.y)[0], c.list + (c.row == 101 ? 1 : 2));
         Release(row->second);
