@@ -24,6 +24,8 @@
 #include <views/VxViewManager.h>
 #include <views/VxViewRegion.h>
 
+#include "support/VxBenchScene.h"
+
 #include <benchmark/benchmark.h>
 
 #include <memory>
@@ -35,55 +37,19 @@ namespace {
 constexpr int kW = 1280;
 constexpr int kH = 800;
 
-struct Scene {
-    std::unique_ptr<VxNativeWindow> window;
-    std::unique_ptr<VxCase> patient;
-    VxOpenGLRender* render = nullptr;
-    VxAuxRender* aux = nullptr;
-    VxBBox box;
-    std::string error;
-};
+using Scene = VxBenchScene;
 
 Scene& GetScene() {
     static Scene* s = [] {
         auto* s = new Scene;
-        s->window = VxNativeWindow::CreateOffscreen(kW, kH);
-        s->render = VxRenderStatus::GetInstance()->GetRender();
-        s->aux = VxRenderStatus::GetInstance()->GetAuxRender();
-        g_bDIBShowMessage = false;
-        if (!s->render->Create(s->window.get(), 24, 8)) {
-            s->error = "no GL context";
-            return s;
-        }
-        OpenGLVersion::GetInstance()->Set_btestversion(false);
-        s->render->ResizeViewport(kW, kH);
-        VxViewManager* views = VxViewManager::GetInstance();
-        views->Clear();
-        views->SetTotalViewSize(kW, kH);
-        views->CreateSingleView();
-        s->patient = VxSyntheticPatient::Generate(1);
-        s->patient->Install();
-        s->render->SetModel(&s->patient->model);
-        s->box = s->patient->model.GetBBox();
-        VxXForm xf;
-        xf.SetRotation(VxViewManager::GetFixedMatrix(VxViewManager::View_Front) *
-                       VxViewManager::GetReferenceRotation(s->patient->model));
-        xf.SetScale(2.3 / s->box.Diagonal());
-        const VxPoint c = s->box.Center();
-        xf.SetTranslation(VxVector(-c[0], -c[1], -c[2]));
-        views->GetView(0)->SetXForm(xf);
-        s->render->RenderScene(true);
-        glFinish();
+        s->Open(kW, kH, false);
         return s;
     }();
     return *s;
 }
 
-// A point of the patient's box at fractions (u, v, w) of its extent.
 VxPoint InBox(const Scene& s, double u, double v, double w) {
-    const VxPoint& a = s.box.GetMinPnt();
-    const VxPoint& b = s.box.GetMaxPnt();
-    return VxPoint(a[0] + u * (b[0] - a[0]), a[1] + v * (b[1] - a[1]), a[2] + w * (b[2] - a[2]));
+    return s.InBox(u, v, w);
 }
 
 void Frame(Scene& s) {

@@ -25,6 +25,8 @@
 #include <views/VxViewManager.h>
 #include <views/VxViewRegion.h>
 
+#include "support/VxBenchScene.h"
+
 #include <benchmark/benchmark.h>
 
 #include <memory>
@@ -37,13 +39,9 @@ namespace {
 constexpr int kW = 1280;
 constexpr int kH = 800;
 
-struct Scene {
-    std::unique_ptr<VxNativeWindow> window;
-    std::unique_ptr<VxCase> patient;
-    VxOpenGLRender* render = nullptr;
+struct Scene : VxBenchScene {
     VxViewRegion* view = nullptr;
     CPoint cardPixel;
-    std::string error;
 };
 
 std::vector<std::tuple<int, int, double>> Values(size_t n) {
@@ -58,33 +56,11 @@ std::vector<std::tuple<int, int, double>> Values(size_t n) {
 Scene& GetScene() {
     static Scene* s = [] {
         auto* s = new Scene;
-        s->window = VxNativeWindow::CreateOffscreen(kW, kH);
-        s->render = VxRenderStatus::GetInstance()->GetRender();
-        g_bDIBShowMessage = false;
-        if (!s->render->Create(s->window.get(), 24, 8)) {
-            s->error = "no GL context";
+        // The editor draws on the shader path only.
+        if (!s->Open(kW, kH, true)) {
             return s;
         }
-        OpenGLVersion::GetInstance()->Set_btestversion(true);
-        s->render->ResizeViewport(kW, kH);
-        VxViewManager* views = VxViewManager::GetInstance();
-        views->Clear();
-        views->SetTotalViewSize(kW, kH);
-        views->CreateSingleView();
-        s->patient = VxSyntheticPatient::Generate(1);
-        s->patient->Install();
-        s->render->SetModel(&s->patient->model);
-        const VxBBox box = s->patient->model.GetBBox();
-        VxXForm xf;
-        xf.SetRotation(VxViewManager::GetFixedMatrix(VxViewManager::View_Front) *
-                       VxViewManager::GetReferenceRotation(s->patient->model));
-        xf.SetScale(2.3 / box.Diagonal());
-        const VxPoint c = box.Center();
-        xf.SetTranslation(VxVector(-c[0], -c[1], -c[2]));
-        s->view = views->GetView(0);
-        s->view->SetXForm(xf);
-        s->render->RenderScene(true);
-        glFinish();
+        s->view = VxViewManager::GetInstance()->GetView(0);
 
         ModelCreateModify* editor = ModelCreateModify::getInstance();
         editor->InitData(&s->patient->model, {}, {});

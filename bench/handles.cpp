@@ -27,6 +27,8 @@
 #include <views/VxViewManager.h>
 #include <views/VxViewRegion.h>
 
+#include "support/VxBenchScene.h"
+
 #include <benchmark/benchmark.h>
 
 #include <memory>
@@ -37,43 +39,16 @@ namespace {
 constexpr int kW = 1280;
 constexpr int kH = 800;
 
-struct Scene {
-    std::unique_ptr<VxNativeWindow> window;
-    std::unique_ptr<VxCase> patient;
-    VxOpenGLRender* render = nullptr;
-    VxAuxRender* aux = nullptr;
+struct Scene : VxBenchScene {
     VxFrame molar;
-    std::string error;
 };
 
 Scene& GetScene() {
     static Scene* s = [] {
         auto* s = new Scene;
-        s->window = VxNativeWindow::CreateOffscreen(kW, kH);
-        s->render = VxRenderStatus::GetInstance()->GetRender();
-        s->aux = VxRenderStatus::GetInstance()->GetAuxRender();
-        g_bDIBShowMessage = false;
-        if (!s->render->Create(s->window.get(), 24, 8)) {
-            s->error = "no GL context";
+        if (!s->Open(kW, kH, false)) {
             return s;
         }
-        OpenGLVersion::GetInstance()->Set_btestversion(false);
-        s->render->ResizeViewport(kW, kH);
-        VxViewManager* views = VxViewManager::GetInstance();
-        views->Clear();
-        views->SetTotalViewSize(kW, kH);
-        views->CreateSingleView();
-        s->patient = VxSyntheticPatient::Generate(1);
-        s->patient->Install();
-        s->render->SetModel(&s->patient->model);
-        const VxBBox box = s->patient->model.GetBBox();
-        VxXForm xf;
-        xf.SetRotation(VxViewManager::GetFixedMatrix(VxViewManager::View_Front) *
-                       VxViewManager::GetReferenceRotation(s->patient->model));
-        xf.SetScale(2.3 / box.Diagonal());
-        const VxPoint c = box.Center();
-        xf.SetTranslation(VxVector(-c[0], -c[1], -c[2]));
-        views->GetView(0)->SetXForm(xf);
         VxTooth* tooth = s->patient->FindTooth(46);
         if (tooth == nullptr) {
             s->error = "no tooth 46";
@@ -84,8 +59,6 @@ Scene& GetScene() {
         const VxFrame f = tooth->GetFrame();
         s->molar =
             VxFrame(m.Transform(f.GetOrigin()), m.Transform(f.DirX()), m.Transform(f.DirY()));
-        s->render->RenderScene(true);
-        glFinish();
         return s;
     }();
     return *s;
